@@ -1,0 +1,130 @@
+// Holders of host objects and the fixed set of operations the engine performs on them.
+//
+// The engine's text is UTF-8. Every operation is one late-bound call of the automation layer; the
+// member paths are written here once, so the logic above never builds a path of its own except
+// through the general Call/Put/Get forms below. A failed call yields an empty text, 0, 0.0 or a
+// null object, and the command carries on.
+#pragma once
+
+#include <cstdarg>
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "com/com.h"
+#include "com/text.h"
+
+// An owning (by default) holder of one host object reference. An owning holder releases its
+// reference exactly once: on Destroy, on Assign of another reference, or when it goes out of scope.
+class XlObject {
+public:
+    XlObject() = default;                     // Init: empty, owning
+    explicit XlObject(IDispatch* reference);  // InitWith: takes over a new reference
+    ~XlObject();
+    XlObject(XlObject&& other) noexcept;
+    XlObject& operator=(XlObject&& other) noexcept;
+    XlObject(const XlObject&) = delete;
+    XlObject& operator=(const XlObject&) = delete;
+
+    IDispatch* object() const { return object_; }
+    bool owned() const { return owned_; }
+    bool IsNothing() const { return object_ == nullptr; }
+    void Assign(IDispatch* reference);
+    void Destroy();
+    void SetOwned() { owned_ = true; }
+    // Copies the pointer and the owned flag without taking a reference of its own: the copy is a
+    // borrowed view, and at most one of the two may own it when they are destroyed.
+    void CopyFrom(const XlObject& other);
+    // Gives up the reference without releasing it.
+    IDispatch* Detach();
+
+    // Generic properties. Names that these forms prefix with "." are member names or paths
+    // ("Value", "Line.Weight"); the others are sent as written.
+    std::string GetString(std::string_view name) const;
+    void SetString(std::string_view name, std::string_view text) const;
+    WideString GetWide(std::string_view name) const;
+    void SetWide(std::string_view name, WideStringView text) const;
+    XlObject GetObject(std::string_view name) const;
+    XlObject GetObjectArg(std::string_view name, std::string_view argument) const;
+    double GetNumber(std::string_view name) const;
+    double GetNumberArg(std::string_view name, int n) const;
+    void SetNumber(std::string_view name, double value) const;
+    void SetNumberArg(std::string_view name, int n, double value) const;
+    void CopyString(std::string_view name, const XlObject& from) const;
+    void CopyNumber(std::string_view name, const XlObject& from) const;
+
+    // General member paths with the automation layer's specifiers. Text arguments are passed as
+    // "%S" with a wide string (Widen(text).c_str()), so that no code page can change them.
+    HRESULT Call(const char* path, ...) const;
+    HRESULT Put(const char* path, ...) const;
+    double GetNumberPath(const char* path, ...) const;
+    std::string GetStringPath(const char* path, ...) const;
+    XlObject GetObjectPath(const char* path, ...) const;
+
+    // Fixed members.
+    std::string GetValue() const;
+    std::string GetText() const { return GetValue(); }
+    void SetValue(std::string_view text) const;
+    void SetText(std::string_view text) const { SetValue(text); }
+    double GetValueNum() const;
+    void SetValueNum(double value) const;
+    void SetFormula(std::string_view formula) const;
+    std::string GetName() const;
+    std::string GetCodeName() const;
+    std::int64_t GetRow() const;
+    std::int64_t GetColumn() const;
+    double GetLeft() const;
+    double GetTop() const;
+    double GetWidth() const;
+    double GetHeight() const;
+    void SetLeft(double points) const;
+    void SetTop(double points) const;
+    void SetWidth(double points) const;
+    void SetHeight(double points) const;
+    void Delete() const;
+    void Clear() const;
+    void ClearContents() const;
+    XlObject CellItem(std::int64_t n) const;
+    XlObject Cell(std::int64_t row, std::int64_t column) const;
+    XlObject RangeOf(std::string_view address) const;
+    void SetCell(std::int64_t row, std::int64_t column, std::string_view text) const;
+    XlObject ShapeByName(std::string_view name) const;
+    XlObject ShapeAt(int index) const;
+    XlObject BuildFreeform(int editingType, double x, double y) const;
+    void AddNodes(int segmentType, int editingType, double x, double y) const;
+    XlObject ConvertToShape() const;
+    XlObject GetAdjustments() const;
+    double GetItemNum(int index) const;
+    void SetItemNum(int index, double value) const;
+
+private:
+    friend class XlRef;
+    XlObject(IDispatch* reference, bool owned) : object_(reference), owned_(owned) {}
+
+    IDispatch* object_ = nullptr;
+    bool owned_ = true;
+};
+
+// A holder that never releases what it holds: the engine's workbook and sheets, whose references
+// belong to the workbook's macros.
+class XlRef {
+public:
+    XlRef() = default;
+    IDispatch* object() const { return object_; }
+    bool IsNothing() const { return object_ == nullptr; }
+    void Reset() { object_ = nullptr; }
+    void Attach(IDispatch* reference) { object_ = reference; }
+    void Set(IDispatch* reference) { object_ = reference; }
+    void CopyFrom(const XlRef& other) { object_ = other.object_; }
+    void Destroy() { object_ = nullptr; }
+    // A non-owning XlObject view, so the operations above work on the engine's sheets.
+    XlObject View() const;
+
+private:
+    IDispatch* object_ = nullptr;
+};
+
+// Column letters and numbers as the settings give them: "A" = 1, "Z" = 26, "AA" = 27. Letters are
+// not folded to upper case ("a" gives 33) and 0 gives "@".
+std::int32_t ColumnNumber(std::string_view letters);
+std::string ColumnLetters(std::int64_t number);
