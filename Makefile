@@ -1,0 +1,25 @@
+# The two commands of the project: `make demo` and `make test`. Both install what is missing first.
+JOBS ?= $(shell nproc)
+
+.PHONY: demo test deps native windows format
+
+deps:
+	@./scripts/install-deps
+
+native: deps
+	@cmake -S . -B build -DVANTORA_SANITIZE=ON -DCMAKE_BUILD_TYPE=Debug >/dev/null
+	@cmake --build build -j$(JOBS)
+
+windows: deps
+	@cmake -S . -B build-win -DCMAKE_TOOLCHAIN_FILE=cmake/mingw-w64-x86_64.cmake \
+		-DCMAKE_BUILD_TYPE=Release >/dev/null
+	@cmake --build build-win -j$(JOBS)
+
+test: native windows
+	@./scripts/run-tests build build-win
+
+demo: native
+	@./scripts/demo build
+
+format:
+	@git ls-files '*.h' '*.cpp' | xargs clang-format -i
