@@ -309,9 +309,11 @@ UINT SysStringByteLen(BSTR text);
 // both directions; a failed conversion leaves the destination untouched.
 void VariantInit(VARIANTARG* variant);
 HRESULT VariantClear(VARIANTARG* variant);
-HRESULT VariantCopy(VARIANTARG* dest, const VARIANTARG* source);
-HRESULT VariantChangeType(VARIANTARG* dest, const VARIANTARG* source, USHORT flags, VARTYPE type);
-HRESULT VariantChangeTypeEx(VARIANTARG* dest, const VARIANTARG* source, LCID lcid, USHORT flags,
+// The sources are not const, as in the mingw-w64 headers of the Windows build, so that code
+// passing a const variant fails on both builds alike.
+HRESULT VariantCopy(VARIANTARG* dest, VARIANTARG* source);
+HRESULT VariantChangeType(VARIANTARG* dest, VARIANTARG* source, USHORT flags, VARTYPE type);
+HRESULT VariantChangeTypeEx(VARIANTARG* dest, VARIANTARG* source, LCID lcid, USHORT flags,
                             VARTYPE type);
 
 // Dates.

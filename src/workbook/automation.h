@@ -30,9 +30,10 @@ inline constexpr int kMaxArguments = 25;
 
 struct ErrorRecord {
     HRESULT code;
-    BOOL fromInvoke;  // the failure came from IDispatch::Invoke itself
-    UINT argumentIndex;
-    WCHAR functionName[64];
+    BOOL fromInvoke;          // the failure came from IDispatch::Invoke itself
+    UINT argumentIndex;       // as IDispatch::Invoke reports it: counted from the last argument
+    WCHAR functionName[64];   // the public operation that was called
+    WCHAR errorFunction[64];  // the layer function in which the failure arose
     WCHAR member[256];
     BSTR description;
     BSTR source;
@@ -72,6 +73,8 @@ HRESULT PutRefV(IDispatch* object, LPCOLESTR path, va_list arguments);
 HRESULT GetValue(LPCOLESTR resultSpec, void* result, IDispatch* object, LPCOLESTR path, ...);
 HRESULT GetValueV(LPCOLESTR resultSpec, void* result, IDispatch* object, LPCOLESTR path,
                   va_list arguments);
+// The general form: `result` (an empty VARIANT, or null) receives the last member's value
+// converted to `resultType`; VT_EMPTY keeps the value as the member returned it.
 HRESULT Invoke(int invokeKind, VARTYPE resultType, VARIANT* result, IDispatch* object,
                LPCOLESTR path, ...);
 HRESULT InvokeV(int invokeKind, VARTYPE resultType, VARIANT* result, IDispatch* object,

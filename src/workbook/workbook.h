@@ -33,7 +33,8 @@ public:
     void Destroy();
     void SetOwned() { owned_ = true; }
     // Copies the pointer and the owned flag without taking a reference of its own: the copy is a
-    // borrowed view, and at most one of the two may own it when they are destroyed.
+    // borrowed view, and at most one of the two may own it when they are destroyed. A reference
+    // this holder owned before is released first, as by Assign.
     void CopyFrom(const XlObject& other);
     // Gives up the reference without releasing it.
     IDispatch* Detach();
@@ -45,6 +46,7 @@ public:
     WideString GetWide(std::string_view name) const;
     void SetWide(std::string_view name, WideStringView text) const;
     XlObject GetObject(std::string_view name) const;
+    // `name` holds one "%s", which receives `argument`: "Shapes(%s)".
     XlObject GetObjectArg(std::string_view name, std::string_view argument) const;
     double GetNumber(std::string_view name) const;
     double GetNumberArg(std::string_view name, int n) const;

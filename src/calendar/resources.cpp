@@ -1,0 +1,45 @@
+#include "calendar/resources.h"
+
+#include "engine/engine_state.h"
+#include "engine/strdict.h"
+#include "workbook/workbook.h"
+
+namespace {
+
+// Rows above this are the resource sheet's headings.
+constexpr std::int64_t kFirstResourceRow = 4;
+constexpr std::int64_t kNameColumn = 2;
+constexpr std::int64_t kKeyColumn = 3;
+
+// Keyed by the hexadecimal bytes of each resource's key text, in sheet order.
+StrDict<ResourceRecord>& Resources() {
+    static StrDict<ResourceRecord> resources(Ownership::kOwnsRecords);
+    return resources;
+}
+
+}  // namespace
+
+void LoadResources() {
+    FreeResources();
+    const XlObject sheet = EngineResourceSheet();
+    for (std::int64_t row = kFirstResourceRow;; ++row) {
+        const WideString key = sheet.Cell(row, kKeyColumn).GetWide("Value");
+        if (key.empty()) break;
+        auto* resource = new ResourceRecord;
+        resource->name = sheet.Cell(row, kNameColumn).GetValue();
+        BstrSet(resource->keyText, key);
+        Resources().Add(BstrToHex(resource->keyText), resource);
+    }
+}
+
+void FreeResources() {
+    Resources().Clear(true);
+}
+
+ResourceRecord* FindResource(const Bstr& key) {
+    return Resources().Find(BstrToHex(key));
+}
+
+ResourceRecord* FirstResource() {
+    return Resources().ItemAt(1);
+}

@@ -1,0 +1,28 @@
+// The engine commands the program offers, one per export of the library.
+#pragma once
+
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+// A whole-number argument of an export: given after the workbook on the command line, or, when it
+// has a default, as an option "--name N".
+struct CommandArgument {
+    std::string name;
+    bool hasDefault = false;
+    int defaultValue = 0;
+};
+
+struct EngineCommand {
+    const char* name;
+    const char* help;
+    std::vector<CommandArgument> arguments;
+    // False while the engine part behind the export is not built: the program refuses the command
+    // rather than pretending it ran.
+    bool built;
+    void (*run)(std::span<const int> arguments);
+};
+
+const std::vector<EngineCommand>& EngineCommands();
+const EngineCommand* FindEngineCommand(std::string_view name);

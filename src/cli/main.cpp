@@ -1,0 +1,204 @@
+// vantora: runs the engine's commands on a workbook file, without the spreadsheet program.
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <filesystem>
+#include <iostream>
+#include <optional>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "cli/commands.h"
+#include "cli/session.h"
+#include "cli/workbook_file.h"
+#include "values/values.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+// Exit codes, as --help lists them.
+enum ExitCode {
+    kSuccess = 0,
+    kUsageError = 2,
+    kWorkbookError = 3,
+    kNotBuilt = 4,
+    kUnusableSettings = 5,
+};
+
+constexpr const char* kExitCodes =
+    "Exit codes: 0 done; 2 wrong usage; 3 the workbook cannot be read or written; 4 the command's "
+    "engine part is not built yet; 5 the workbook's settings cannot be used.";
+
+struct CommonOptions {
+    std::string workbook;
+    std::string output;
+    bool overwrite = false;
+    std::string now;
+    std::string rows;
+};
+
+void AddCommonOptions(CLI::App& command, CommonOptions& options) {
+    command.add_option("WORKBOOK", options.workbook, "The workbook (.xlsx, .xlsm or .json)")
+        ->required()
+        ->check(CLI::ExistingFile);
+    command.add_option("-o,--output", options.output,
+                       "Where to write the result; without it nothing is saved");
+    command.add_flag("--overwrite", options.overwrite, "Allow the output to replace the input");
+    command.add_option("--now", options.now,
+                       "Pin the current date and time, \"YYYY-MM-DD HH:MM\" (default: the clock)");
+    command.add_option("--rows", options.rows,
+                       "The selected task rows FIRST:LAST, which the moves work on");
+}
+
+// "gantt:2" or "offset:1,3": a command name and its whole-number arguments.
+std::optional<CommandCall> ParseCommandWord(const std::string& word, std::string& error) {
+    const auto colon = word.find(':');
+    const std::string name = word.substr(0, colon);
+    const EngineCommand* command = FindEngineCommand(name);
+    if (command == nullptr) {
+        error = "unknown command '" + name + "'";
+        return std::nullopt;
+    }
+    CommandCall call{command, {}};
+    if (colon != std::string::npos) {
+        std::string list = word.substr(colon + 1);
+        for (std::size_t at = 0; at <= list.size();) {
+            const auto comma = std::min(list.find(',', at), list.size());
+            try {
+                call.arguments.push_back(std::stoi(list.substr(at, comma - at)));
+            } catch (const std::exception&) {
+                error = "'" + word + "': the arguments must be whole numbers";
+                return std::nullopt;
+            }
+            at = comma + 1;
+        }
+    }
+    for (std::size_t i = call.arguments.size(); i < command->arguments.size(); ++i) {
+        if (command->arguments[i].hasDefault) {
+            call.arguments.push_back(command->arguments[i].defaultValue);
+        }
+    }
+    if (call.arguments.size() != command->arguments.size()) {
+        error =
+            "'" + name + "' takes " + std::to_string(command->arguments.size()) + " argument(s)";
+        return std::nullopt;
+    }
+    return call;
+}
+
+int Run(const CommonOptions& options, const std::vector<CommandCall>& calls) {
+    for (const CommandCall& call : calls) {
+        if (!call.command->built) {
+            std::cerr << "vantora: the command '" << call.command->name
+                      << "' is not built yet in this version of the engine\n";
+            return kNotBuilt;
+        }
+    }
+    SessionOptions session;
+    if (!options.now.empty()) {
+        session.now = values::ParseDateText(options.now);
+        if (!session.now) {
+            std::cerr << "vantora: --now must be a date and time such as \"2024-04-15 12:00\"\n";
+            return kUsageError;
+        }
+    }
+    if (!options.rows.empty()) {
+        RowSpan rows{};
+        char colon = 0;
+        std::istringstream in(options.rows);
+        if (!(in >> rows.first >> colon >> rows.last) || colon != ':' || rows.first < 1 ||
+            rows.last < rows.first) {
+            std::cerr << "vantora: --rows must be FIRST:LAST, such as 12:14\n";
+            return kUsageError;
+        }
+        session.selectedRows = rows;
+    }
+    if (!options.output.empty() && !options.overwrite && fs::exists(options.output) &&
+        fs::equivalent(options.output, options.workbook)) {
+        std::cerr << "vantora: the output would replace the input workbook; give --overwrite to "
+                     "allow it\n";
+        return kUsageError;
+    }
+    try {
+        const auto book = ReadWorkbookFile(options.workbook);
+        if (!RunEngineSession(book, calls, session)) {
+            return kUnusableSettings;
+        }
+        for (const CommandCall& call : calls) {
+            std::cout << "ran " << call.command->name << '\n';
+        }
+        if (options.output.empty()) {
+            std::cout << "nothing saved (no --output given)\n";
+        } else {
+            WriteWorkbookFile(*book, options.workbook, options.output);
+            std::cout << "saved " << options.output << '\n';
+        }
+    } catch (const WorkbookFileError& error) {
+        std::cerr << "vantora: " << error.what() << '\n';
+        return kWorkbookError;
+    }
+    return kSuccess;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    CLI::App app{"Runs the Vantora scheduling engine's commands on a workbook file."};
+    app.footer(kExitCodes);
+    app.require_subcommand(1);
+
+    CommonOptions options;
+    std::vector<CommandCall> calls;
+    // One call per command, filled by its parser; the list never grows, so the values stay put.
+    std::vector<CommandCall> parsed;
+    parsed.reserve(EngineCommands().size());
+    for (const EngineCommand& command : EngineCommands()) {
+        CLI::App* sub = app.add_subcommand(command.name, command.help);
+        AddCommonOptions(*sub, options);
+        CommandCall& call = parsed.emplace_back(CommandCall{&command, {}});
+        call.arguments.resize(command.arguments.size());
+        for (std::size_t i = 0; i < command.arguments.size(); ++i) {
+            const CommandArgument& argument = command.arguments[i];
+            if (argument.hasDefault) {
+                call.arguments[i] = argument.defaultValue;
+                sub->add_option("--" + argument.name, call.arguments[i],
+                                "The command's " + argument.name)
+                    ->capture_default_str();
+            } else {
+                sub->add_option(argument.name, call.arguments[i], "The command's " + argument.name)
+                    ->required();
+            }
+        }
+        sub->callback([&] { calls.push_back(call); });
+    }
+
+    CLI::App* run = app.add_subcommand(
+        "run",
+        "Run several commands in one engine lifetime, in order, as the workbook's macros "
+        "would call them one after another");
+    AddCommonOptions(*run, options);
+    std::vector<std::string> words;
+    run->add_option("COMMAND", words,
+                    "A command name, with its whole-number arguments after a colon: update-wbs, "
+                    "gantt:2, offset:1,3")
+        ->required();
+    std::string parseError;
+    run->callback([&] {
+        for (const std::string& word : words) {
+            auto call = ParseCommandWord(word, parseError);
+            if (!call) {
+                throw CLI::ValidationError("COMMAND", parseError);
+            }
+            calls.push_back(*call);
+        }
+    });
+
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::ParseError& error) {
+        const int code = app.exit(error);
+        return code == 0 ? kSuccess : kUsageError;
+    }
+    return Run(options, calls);
+}

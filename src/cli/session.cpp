@@ -1,0 +1,62 @@
+#include "cli/session.h"
+
+#include <iostream>
+
+#include "calendar/resources.h"
+#include "com/text.h"
+#include "engine/exports.h"
+#include "engine/refresh.h"
+#include "sheethost/sheethost.h"
+#include "wbs/task_table.h"
+
+namespace {
+
+void PrintMessage(const OLECHAR* text, UINT) {
+    std::cerr << Narrow(text) << '\n';
+}
+
+void SelectRows(sheethost::Workbook& book, RowSpan rows) {
+    for (std::size_t i = 0; i < book.sheets.size(); ++i) {
+        sheethost::Sheet& sheet = *book.sheets[i];
+        if (sheet.codeName == "wsWBS") {
+            sheet.selection = {sheethost::Area{rows.first, 1, rows.last, sheethost::kMaxColumn}};
+            sheet.activeCell = {rows.first, 1};
+            book.activeSheet = i;
+            return;
+        }
+    }
+}
+
+// Releases the host's workbook object when the session ends, after kpQuit: the engine never took a
+// reference of its own.
+struct HostReference {
+    IDispatch* object;
+    ~HostReference() { object->Release(); }
+};
+
+}  // namespace
+
+bool RunEngineSession(const std::shared_ptr<sheethost::Workbook>& book,
+                      std::span<const CommandCall> calls, const SessionOptions& options) {
+    if (options.selectedRows) {
+        SelectRows(*book, *options.selectedRows);
+    }
+    HostReference workbook{sheethost::NewWorkbookObject(book)};
+
+    kpInit();
+    kpSetMessageReceiver(PrintMessage);
+    kpSetStatusDate(options.now.value_or(0));
+    kpSetWorkBook(&workbook.object);
+    const bool usable = RefreshSettings();
+    if (usable) {
+        LoadResources();
+        TaskTable_Load();
+        for (const CommandCall& call : calls) {
+            call.command->run(call.arguments);
+        }
+    }
+    kpQuit();
+    kpSetMessageReceiver(nullptr);
+    kpSetStatusDate(0);
+    return usable;
+}

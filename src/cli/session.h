@@ -1,0 +1,35 @@
+// One run of the program is one engine lifetime, as a workbook's macros would drive the library:
+// kpInit, kpSetWorkBook, the commands in order, kpQuit.
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <span>
+#include <vector>
+
+#include "cli/commands.h"
+#include "sheethost/model.h"
+
+struct CommandCall {
+    const EngineCommand* command;
+    std::vector<int> arguments;
+};
+
+struct RowSpan {
+    int first;
+    int last;
+};
+
+struct SessionOptions {
+    // The status date every "now" of the engine sees; the clock when absent.
+    std::optional<double> now;
+    // The task rows selected on the task sheet, which the moves work on.
+    std::optional<RowSpan> selectedRows;
+};
+
+// Runs `calls` on `book` in one engine lifetime. Before the first command the engine is primed as
+// an open workbook would be after an update: settings, resources and the task table loaded,
+// nothing written. Messages to the user are printed to standard error. False, with nothing run,
+// when the workbook's settings cannot be used (the user has been told why).
+bool RunEngineSession(const std::shared_ptr<sheethost::Workbook>& book,
+                      std::span<const CommandCall> calls, const SessionOptions& options);

@@ -1,0 +1,80 @@
+#include "cli/workbook_file.h"
+
+#include <fstream>
+#include <sstream>
+#include <system_error>
+
+#include "sheethost/sheethost.h"
+#include "xlsx/xlsx.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+bool IsJson(const fs::path& path) {
+    return path.extension() == ".json";
+}
+
+void RequireJson(const fs::path& path) {
+    if (!IsJson(path)) {
+        throw WorkbookFileError(path.string() +
+                                ": only JSON workbooks (.json) can be read and written so far; "
+                                ".xlsx and .xlsm files are not supported yet");
+    }
+}
+
+}  // namespace
+
+std::shared_ptr<sheethost::Workbook> ReadWorkbookFile(const fs::path& path) {
+    if (KindOf(path) == FileKind::kPackage) {
+        try {
+            return xlsx::LoadXlsx(path);
+        } catch (const xlsx::XlsxError& error) {
+            throw WorkbookFileError(path.string() + ": " + error.what());
+        }
+    }
+    std::ifstream in(path, std::ios::binary);
+    if (!in) {
+        throw WorkbookFileError(path.string() + ": cannot be opened");
+    }
+    std::ostringstream text;
+    text << in.rdbuf();
+    std::string error;
+    auto book = sheethost::LoadWorkbookJson(text.str(), &error);
+    if (!book) {
+        throw WorkbookFileError(path.string() + ": not a workbook: " + error);
+    }
+    return book;
+}
+
+void WriteWorkbookFile(const sheethost::Workbook& book, const fs::path& source,
+                       const fs::path& path) {
+    if (KindOf(path) == FileKind::kPackage) {
+        try {
+            // The caller has already decided whether the input may be replaced.
+            const bool fromPackage = !source.empty() && KindOf(source) == FileKind::kPackage;
+            const fs::path package = fromPackage ? source : fs::path();
+            xlsx::SaveXlsx(book, package, path, xlsx::SaveOptions{.overwriteSource = true});
+        } catch (const xlsx::XlsxError& error) {
+            throw WorkbookFileError(path.string() + ": " + error.what());
+        }
+        return;
+    }
+    const fs::path temporary = path.string() + ".vantora-tmp";
+    {
+        std::ofstream out(temporary, std::ios::binary | std::ios::trunc);
+        out << sheethost::DumpWorkbookJson(book);
+        out.close();
+        if (!out) {
+            std::error_code ignored;
+            fs::remove(temporary, ignored);
+            throw WorkbookFileError(path.string() + ": cannot be written");
+        }
+    }
+    std::error_code error;
+    fs::rename(temporary, path, error);
+    if (error) {
+        fs::remove(temporary, error);
+        throw WorkbookFileError(path.string() + ": cannot be written: " + error.message());
+    }
+}

@@ -1,0 +1,138 @@
+// The exported commands: each is a short fixed sequence that calls the subsystems doing the work.
+// A command whose subsystem is not built yet says so at the one place where it will be called.
+#include "engine/exports.h"
+
+#include <string>
+
+#include "calendar/calendar.h"
+#include "engine/clock.h"
+#include "engine/engine_state.h"
+#include "engine/refresh.h"
+#include "engine/visible_rows.h"
+#include "settings/settings.h"
+#include "wbs/task_table.h"
+#include "wbs/wbs_update.h"
+#include "workbook/automation.h"
+
+namespace {
+
+// What the workbook's macros passed by reference; null when they passed no variable at all.
+IDispatch* Dereference(IDispatch** reference) {
+    return reference != nullptr ? *reference : nullptr;
+}
+
+}  // namespace
+
+extern "C" {
+
+void kpInit() {
+    automation::AutomationInit(TRUE, TRUE);
+    automation::ToggleErrors(FALSE);
+    ReleaseEngineObjects();
+    CreateEngineObjects();
+}
+
+void kpQuit() {
+    automation::AutomationShutdown(FALSE);
+    FreeResources();
+    FreeCalendarDays();
+    ReleaseEngineObjects();
+}
+
+std::int32_t kpSetWorkBook(IDispatch** workbook) {
+    BindWorkbook(Dereference(workbook));
+    return Engine().lastRuntimeError;
+}
+
+void kpDrawCalendar(std::int32_t unit) {
+    if (unit > 0) {
+        EngineSettingsSheet().RangeOf("CSCalendarUnit").SetValue(std::to_string(unit));
+    }
+    if (!RefreshSettings()) {
+        return;
+    }
+    // The calendar grid and then every task's bars are drawn here once the chart drawing is built.
+}
+
+void kpDrawGanntChart(std::int32_t style) {
+    EngineSettingsSheet().RangeOf("GanntBarStyle").SetValue(std::to_string(style));
+    if (!RefreshSettings()) {
+        return;
+    }
+    const std::string filter = EngineSettings().filterRows;
+    if (!filter.empty()) {
+        ApplyVisibleRows("");
+    }
+    // Every task's bars are drawn here once the chart drawing is built.
+    if (!filter.empty()) {
+        ApplyVisibleRows(filter);
+    }
+}
+
+void kpUpdateWBS() {
+    UpdateWbsCommand();
+}
+
+void kpWBSReschedule() {
+    if (!RefreshSettings()) {
+        return;
+    }
+    LoadResources();
+    SettingsRecord& settings = EngineSettings();
+    // Unlike the update, the list kept from the last filter or update is used as it is.
+    if (!settings.filterRows.empty()) {
+        ApplyVisibleRows("");
+    }
+    const std::int64_t savedRescheduleFlag = settings.rescheduleFlag;
+    settings.rescheduleFlag = 1;
+    TaskTable_Load();
+    UpdatePass();
+    settings.rescheduleFlag = savedRescheduleFlag;
+    // Every task's bars are redrawn here once the chart drawing is built.
+    if (!settings.filterRows.empty()) {
+        ApplyVisibleRows(settings.filterRows);
+    }
+}
+
+void kpWBSEventOnChange(IDispatch** target) {
+    const XlObject range(Dereference(target));
+    // The sheet-change handler runs here with `range` once the sheet events are built.
+}
+
+void kpWBSEventOnSelectionChange(IDispatch** target) {
+    const XlObject range(Dereference(target));
+    // The selection-change handler runs here with `range` once the sheet events are built.
+}
+
+// The task moves, the filter, the progress lines and the reports are called from these exports
+// once their subsystems are built; until then they do nothing.
+
+void kpTasksMoveUp() {}
+
+void kpTasksMoveDown() {}
+
+void kpTasksMoveRight() {}
+
+void kpTasksMoveLeft() {}
+
+void kpTasksOffset(std::int32_t, std::int32_t) {}
+
+void kpWBSFilter() {}
+
+void kpDrawProgressLines() {}
+
+void kpEVMByTask() {}
+
+void kpEVMByProject(std::int32_t, std::int32_t) {}
+
+void kpWorkload(std::int32_t, std::int32_t) {}
+
+void kpSetMessageReceiver(MessageReceiver receiver) {
+    SetMessageReceiver(receiver);
+}
+
+void kpSetStatusDate(double serial) {
+    PinNow(serial);
+}
+
+}  // extern "C"

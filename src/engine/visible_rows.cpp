@@ -1,0 +1,51 @@
+#include "engine/visible_rows.h"
+
+#include <cstdint>
+#include <cstdio>
+
+#include "engine/engine_state.h"
+#include "settings/settings.h"
+#include "wbs/task_table.h"
+
+namespace {
+
+std::string RowKey(std::int64_t row) {
+    char key[24];
+    std::snprintf(key, sizeof key, ",%lld,", static_cast<long long>(row));
+    return key;
+}
+
+}  // namespace
+
+void ApplyVisibleRows(std::string_view list) {
+    const TaskRecord* last = Tasks_Last();
+    if (last == nullptr) {
+        return;
+    }
+    const XlObject sheet = EngineWbsSheet();
+    for (std::int64_t row = EngineSettings().firstTaskRow; row <= last->row; ++row) {
+        // The key carries both commas, so ",5," never matches row 57.
+        const bool visible = list.empty() || list.find(RowKey(row)) != std::string_view::npos;
+        sheet.Put(".Rows(%d).EntireRow.Hidden=%b", static_cast<std::int32_t>(row),
+                  visible ? FALSE : TRUE);
+    }
+}
+
+std::string VisibleRowsText() {
+    const TaskRecord* last = Tasks_Last();
+    if (last == nullptr) {
+        return {};
+    }
+    const XlObject sheet = EngineWbsSheet();
+    std::string list;
+    bool anyHidden = false;
+    for (std::int64_t row = EngineSettings().firstTaskRow; row <= last->row; ++row) {
+        if (sheet.GetNumberPath(".Rows(%d).EntireRow.Hidden", static_cast<std::int32_t>(row)) !=
+            0.0) {
+            anyHidden = true;
+        } else {
+            list += RowKey(row);
+        }
+    }
+    return anyHidden ? list : std::string();
+}

@@ -1,0 +1,52 @@
+#include <cmath>
+#include <cstdint>
+
+#include "calendar/calendar.h"
+#include "engine/engine_state.h"
+#include "gantt/gantt.h"
+#include "settings/settings.h"
+#include "values/values.h"
+
+BarRect TimeToCellRect(std::int64_t row, double t) {
+    const std::int64_t unit = EngineCalendarSettings().CSCalendarUnit;
+    // The refresh refuses a zero unit before any drawing; this keeps a stray call from dividing.
+    if (unit == 0) {
+        return {};
+    }
+    const XlObject cell = EngineWbsSheet().Cell(row, DateToColumn(t));
+    const double minuteWidth = cell.GetWidth() / static_cast<double>(unit);
+    // The column is clamped to the project, the minute inside it is not: a time outside the span
+    // keeps its offset within its column.
+    const std::int64_t minute = values::MinutesBetween(EngineSettings().projectStart, t) % unit;
+    // The slot is drawn 1.5 points short of a minute, so that neighbouring slots stay apart.
+    return {cell.GetLeft() + static_cast<double>(minute) * minuteWidth, cell.GetTop(),
+            minuteWidth - 1.5, cell.GetHeight()};
+}
+
+BarRect SpanRect(const BarRect& a, const BarRect& b) {
+    return {a.left < b.left ? a.left : b.left, a.top < b.top ? a.top : b.top,
+            std::fabs(b.left + b.width - a.left), a.height >= b.height ? a.height : b.height};
+}
+
+void ComputeTaskBarRects(TaskRecord& task) {
+    if (task.plannedStart != 0) {
+        task.plannedStartSlot = TimeToCellRect(task.row, task.plannedStart);
+        if (task.plannedEnd != 0) {
+            task.plannedFinishSlot = TimeToCellRect(task.row, task.plannedEnd);
+            task.plannedBar = SpanRect(task.plannedStartSlot, task.plannedFinishSlot);
+        } else {
+            task.plannedBar = task.plannedStartSlot;
+        }
+    }
+    if (task.actualStart == 0) {
+        task.actualBar = task.plannedBar;
+        return;
+    }
+    task.actualStartSlot = TimeToCellRect(task.row, task.actualStart);
+    if (task.actualEnd == 0) {
+        task.actualBar = task.actualStartSlot;
+        return;
+    }
+    task.actualFinishSlot = TimeToCellRect(task.row, task.actualEnd);
+    task.actualBar = SpanRect(task.actualStartSlot, task.actualFinishSlot);
+}

@@ -1,0 +1,71 @@
+// The Gantt drawing state and the shape helpers every drawing on the task sheet shares: the
+// template shapes of the settings sheet, where drawn shapes copy their look from, how shapes are
+// named after their template and row, and how all shapes of a kind are deleted again.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "com/text.h"
+#include "wbs/task_table.h"
+#include "workbook/workbook.h"
+
+// Template shapes on the settings sheet. The misspelling "Gannt" is the workbook's own.
+inline constexpr char kCompleteBarTemplate[] = "GanntBar100%";
+inline constexpr char kProgressBarTemplate[] = "GanntBar%";
+inline constexpr char kBarTemplate[] = "GanntBar";
+inline constexpr char kConnectorTemplate[] = "TaskConnector";
+inline constexpr char kProgressLineTemplate[] = "ProgressLines";
+// Named cell of the settings sheet holding the bar style the last drawing used.
+inline constexpr char kBarStyleCell[] = "GanntBarStyle";
+
+// Refilled on every refresh; the templates are released when the record is refilled or freed.
+struct GanttStyles {
+    XlObject completeBarTemplate;
+    XlObject progressBarTemplate;
+    XlObject barTemplate;
+    XlObject connectorTemplate;
+    XlObject progressLineTemplate;
+    // The font of the first task's name cell, which bar labels use.
+    WideString labelFontName;
+    float labelFontSize = 0;
+    std::int64_t barStyle = 0;
+};
+
+// The engine's Gantt drawing state: kpInit creates it empty, kpQuit frees it (releasing the
+// templates). Commands use it in between.
+void CreateGanttStyles();
+void FreeGanttStyles();
+GanttStyles& EngineGanttStyles();
+
+// Fills the drawing state from the settings and task sheets (part of the refresh).
+void LoadGanttStyles();
+
+// The name of the plain bar template: the prefix of every bar and label drawn, and with a level
+// appended the template of that summary level's colour. A workbook without the template still
+// gets its usual name, so that deleting by prefix never runs with an empty one (which would
+// delete every shape of the sheet).
+std::string BarTemplateName();
+// The name of the connector template: the prefix of every connector drawn.
+std::string ConnectorTemplateName();
+
+// Copies the line and fill of a template onto a new shape.
+void CopyShapeStyle(const XlObject& source, const XlObject& target);
+
+// Names `shape` base + row + the first letter ("A", "B", ...) not yet used on the task sheet; an
+// empty base means the bar template's name.
+void NameNewShape(const XlObject& shape, const TaskRecord& task, std::string_view base);
+
+// Deletes every shape of the task sheet whose name begins with `prefix` (exact, case-sensitive).
+void DeleteShapesByPrefix(std::string_view prefix);
+void DeleteTaskBars();
+void DeleteTaskConnectors();
+
+// Geometry of a task row's chart cells.
+// The one-minute slot of the chart cell on `row` that holds time `t`.
+BarRect TimeToCellRect(std::int64_t row, double t);
+// From a's left edge to b's right edge.
+BarRect SpanRect(const BarRect& a, const BarRect& b);
+// Fills the task's slots and its planned and actual bars from its dates.
+void ComputeTaskBarRects(TaskRecord& task);

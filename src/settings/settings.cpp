@@ -1,0 +1,137 @@
+#include "settings/settings.h"
+
+#include "calendar/calendar.h"
+#include "engine/engine_state.h"
+#include "engine/messages.h"
+#include "values/values.h"
+#include "workbook/workbook.h"
+
+namespace {
+
+// One named cell of the settings sheet and the field it fills: a text stored as read, or a whole
+// number read by the runtime's string-to-integer rule.
+struct SettingKey {
+    const char* name;
+    std::string SettingsRecord::*text;
+    std::int64_t SettingsRecord::*number;
+};
+
+// In the order they are read.
+constexpr SettingKey kKeys[] = {
+    {"WSWBSSheetName", &SettingsRecord::wbsSheetName, nullptr},
+    {"WSFirstCol", &SettingsRecord::firstCol, nullptr},
+    {"WSLastCol", &SettingsRecord::lastCol, nullptr},
+    {"WSProjectStartDateCell", &SettingsRecord::projectStartDateCell, nullptr},
+    {"WSProjectEndDateCell", &SettingsRecord::projectEndDateCell, nullptr},
+    {"WSCalendarDateRow", nullptr, &SettingsRecord::calendarDateRow},
+    {"WSCalendarFirstCol", &SettingsRecord::calendarFirstCol, nullptr},
+    {"WSFirstTaskRow", nullptr, &SettingsRecord::firstTaskRow},
+    {"WSWBSNoCol", &SettingsRecord::wbsNoCol, nullptr},
+    {"WSTaskNameCol", &SettingsRecord::taskNameCol, nullptr},
+    {"WSTaskTypeCol", &SettingsRecord::taskTypeCol, nullptr},
+    {"WSResourceCol", &SettingsRecord::resourceCol, nullptr},
+    {"WSPVByTaskCol", &SettingsRecord::pvByTaskCol, nullptr},
+    {"WSPlannedStartDateCol", &SettingsRecord::plannedStartDateCol, nullptr},
+    {"WSPlannedEndDateCol", &SettingsRecord::plannedEndDateCol, nullptr},
+    {"WSACByTaskCol", &SettingsRecord::acByTaskCol, nullptr},
+    {"WSActualStartDateCol", &SettingsRecord::actualStartDateCol, nullptr},
+    {"WSActualEndDateCol", &SettingsRecord::actualEndDateCol, nullptr},
+    {"WSPercentCompleteCol", &SettingsRecord::percentCompleteCol, nullptr},
+    {"WSPredecessorsCol", &SettingsRecord::predecessorsCol, nullptr},
+    {"WSWBSNoBegin", nullptr, &SettingsRecord::wbsNoBegin},
+    {"WSWBSNoFormat", &SettingsRecord::wbsNoFormat, nullptr},
+    {"WSTaskColorCompletedFlg", nullptr, &SettingsRecord::taskColorCompletedFlg},
+    {"WSTaskColorUseFlg", nullptr, &SettingsRecord::taskColorUseFlg},
+    {"WSFilterOptionShowDependence", nullptr, &SettingsRecord::filterOptionShowDependence},
+    {"WSFilterOptionShowSummary", nullptr, &SettingsRecord::filterOptionShowSummary},
+    {"WSAutoUpdateMode", nullptr, &SettingsRecord::autoUpdateMode},
+    {"WSTaskLinkerColorFlg", nullptr, &SettingsRecord::taskLinkerColorFlg},
+};
+
+// Each column number and the letters it is derived from.
+struct ColumnField {
+    std::int64_t SettingsRecord::*number;
+    std::string SettingsRecord::*letters;
+};
+
+constexpr ColumnField kColumns[] = {
+    {&SettingsRecord::firstColNo, &SettingsRecord::firstCol},
+    {&SettingsRecord::lastColNo, &SettingsRecord::lastCol},
+    {&SettingsRecord::calendarFirstColNo, &SettingsRecord::calendarFirstCol},
+    {&SettingsRecord::wbsNoColNo, &SettingsRecord::wbsNoCol},
+    {&SettingsRecord::taskNameColNo, &SettingsRecord::taskNameCol},
+    {&SettingsRecord::taskTypeColNo, &SettingsRecord::taskTypeCol},
+    {&SettingsRecord::resourceColNo, &SettingsRecord::resourceCol},
+    {&SettingsRecord::pvByTaskColNo, &SettingsRecord::pvByTaskCol},
+    {&SettingsRecord::acByTaskColNo, &SettingsRecord::acByTaskCol},
+    {&SettingsRecord::plannedStartDateColNo, &SettingsRecord::plannedStartDateCol},
+    {&SettingsRecord::plannedEndDateColNo, &SettingsRecord::plannedEndDateCol},
+    {&SettingsRecord::actualStartDateColNo, &SettingsRecord::actualStartDateCol},
+    {&SettingsRecord::actualEndDateColNo, &SettingsRecord::actualEndDateCol},
+    {&SettingsRecord::percentCompleteColNo, &SettingsRecord::percentCompleteCol},
+    {&SettingsRecord::predecessorsColNo, &SettingsRecord::predecessorsCol},
+};
+
+// The host has no rows beyond this one; reads past it fail like reads of a missing sheet, which
+// would otherwise keep the border scan going for ever.
+constexpr std::int64_t kLastSheetRow = 1048576;
+constexpr int kRightEdge = 10;
+constexpr double kNoLine = -4142;
+
+constexpr char kZeroUnitMessage[] =
+    "The calendar unit (CSCalendarUnit on the settings sheet) is 0. Enter the number of minutes "
+    "one chart column stands for, for example 1440 for a day or 60 for an hour, and run the "
+    "command again.";
+
+}  // namespace
+
+bool LoadSettings() {
+    // The chart extent is divided by the unit below; refuse before anything is read or changed.
+    if (EngineCalendarSettings().CSCalendarUnit == 0) {
+        ShowMessage(kZeroUnitMessage, MB_ICONERROR);
+        SetLastRuntimeError(kRuntimeErrorDivisionByZero);
+        return false;
+    }
+
+    SettingsRecord& settings = EngineSettings();
+    const XlObject sheet = EngineSettingsSheet();
+    for (const SettingKey& key : kKeys) {
+        const std::string text = sheet.RangeOf(key.name).GetValue();
+        if (key.text != nullptr) {
+            settings.*key.text = text;
+        } else {
+            settings.*key.number = values::TextToInteger(text);
+        }
+    }
+    settings.rescheduleFlag = 0;
+
+    for (const ColumnField& column : kColumns) {
+        settings.*column.number = ColumnNumber(settings.*column.letters);
+    }
+    settings.resourceToPvCols = settings.pvByTaskColNo - settings.resourceColNo;
+
+    LoadCalendarDays();
+    // Without calendar days the project keeps the span it had.
+    if (const CalendarDay* first = FirstCalendarDay()) settings.projectStart = first->start;
+    if (const CalendarDay* last = LastCalendarDay()) settings.projectEnd = last->end;
+    settings.projectMinutes = values::MinutesBetween(settings.projectStart, settings.projectEnd);
+    settings.calendarLastColNo = settings.projectMinutes / EngineCalendarSettings().CSCalendarUnit +
+                                 settings.calendarFirstColNo;
+    settings.calendarLastCol = ColumnLetters(settings.calendarLastColNo);
+    settings.calendarHeadRow = settings.calendarDateRow - 1;
+    settings.calendarBodyRow = settings.calendarDateRow + 1;
+    settings.lastTableRow = LastTableRow();
+    return true;
+}
+
+std::int64_t LastTableRow() {
+    const SettingsRecord& settings = EngineSettings();
+    const XlObject sheet = EngineWbsSheet();
+    std::int64_t row = settings.firstTaskRow;
+    while (row <= kLastSheetRow) {
+        const XlObject lastCell = sheet.RangeOf(settings.lastCol + std::to_string(row));
+        if (lastCell.GetNumberArg("Borders(%d).LineStyle", kRightEdge) == kNoLine) break;
+        ++row;
+    }
+    return row - 1;
+}

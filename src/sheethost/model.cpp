@@ -1,0 +1,179 @@
+#include "sheethost/model.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace sheethost {
+namespace {
+
+const Style& DefaultStyle() {
+    static const Style style;
+    return style;
+}
+
+const Style& InheritedStyle(const Sheet& sheet, int row, int column) {
+    if (const auto found = sheet.rows.find(row); found != sheet.rows.end() && found->second.style) {
+        return *found->second.style;
+    }
+    if (const auto found = sheet.columns.find(column);
+        found != sheet.columns.end() && found->second.style) {
+        return *found->second.style;
+    }
+    return DefaultStyle();
+}
+
+char LowerAscii(char c) {
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
+
+}  // namespace
+
+const Style& EffectiveStyle(const Sheet& sheet, int row, int column) {
+    if (const Cell* cell = FindCell(sheet, row, column)) return cell->style;
+    return InheritedStyle(sheet, row, column);
+}
+
+Cell& CellAt(Sheet& sheet, int row, int column) {
+    const CellRef key{row, column};
+    auto found = sheet.cells.find(key);
+    if (found == sheet.cells.end()) {
+        Cell cell;
+        cell.style = InheritedStyle(sheet, row, column);
+        found = sheet.cells.emplace(key, std::move(cell)).first;
+    }
+    return found->second;
+}
+
+const Cell* FindCell(const Sheet& sheet, int row, int column) {
+    const auto found = sheet.cells.find(CellRef{row, column});
+    return found == sheet.cells.end() ? nullptr : &found->second;
+}
+
+void TrimCell(Sheet& sheet, int row, int column) {
+    const auto found = sheet.cells.find(CellRef{row, column});
+    if (found == sheet.cells.end()) return;
+    const Cell& cell = found->second;
+    if (std::holds_alternative<Blank>(cell.value) && cell.formula.empty() && !cell.quotePrefix &&
+        cell.style == InheritedStyle(sheet, row, column)) {
+        sheet.cells.erase(found);
+    }
+}
+
+bool SameName(std::string_view a, std::string_view b) {
+    return std::equal(a.begin(), a.end(), b.begin(), b.end(),
+                      [](char x, char y) { return LowerAscii(x) == LowerAscii(y); });
+}
+
+std::shared_ptr<Sheet> FindSheet(const Workbook& book, std::string_view name) {
+    for (const auto& sheet : book.sheets) {
+        if (SameName(sheet->name, name)) return sheet;
+    }
+    return nullptr;
+}
+
+const DefinedName* FindName(const std::vector<DefinedName>& names, std::string_view name) {
+    for (const DefinedName& defined : names) {
+        if (SameName(defined.name, name)) return &defined;
+    }
+    return nullptr;
+}
+
+double CharactersToPoints(double characters) {
+    // Widths count digits of the default font (7 pixels each) plus 5 pixels of cell padding;
+    // below one character the padding shrinks with the width.
+    if (characters <= 0) return 0;
+    const double pixels =
+        characters < 1 ? std::round(characters * 12) : std::round(characters * 7) + 5;
+    return pixels * 0.75;
+}
+
+double PointsToCharacters(double points) {
+    const double pixels = std::round(points / 0.75);
+    if (pixels <= 0) return 0;
+    const double characters = pixels < 12 ? pixels / 12 : (pixels - 5) / 7;
+    return std::round(characters * 100) / 100;
+}
+
+double ColumnWidthPoints(const Sheet& sheet, int column) {
+    const auto found = sheet.columns.find(column);
+    if (found == sheet.columns.end()) return CharactersToPoints(kStandardColumnWidth);
+    if (found->second.hidden) return 0;
+    return CharactersToPoints(found->second.width.value_or(kStandardColumnWidth));
+}
+
+namespace {
+
+double HeightIn(const std::map<int, RowInfo>& rows, int row) {
+    const auto found = rows.find(row);
+    if (found == rows.end()) return kStandardRowHeight;
+    if (found->second.hidden) return 0;
+    return found->second.height.value_or(kStandardRowHeight);
+}
+
+}  // namespace
+
+double RowHeightPoints(const Sheet& sheet, int row) {
+    return HeightIn(sheet.rows, row);
+}
+
+double ColumnLeft(const Sheet& sheet, int column) {
+    const double standard = CharactersToPoints(kStandardColumnWidth);
+    double left = (column - 1) * standard;
+    for (auto it = sheet.columns.begin(); it != sheet.columns.end() && it->first < column; ++it) {
+        left += ColumnWidthPoints(sheet, it->first) - standard;
+    }
+    return left;
+}
+
+double RowTopIn(const std::map<int, RowInfo>& rows, int row) {
+    double top = (row - 1) * kStandardRowHeight;
+    for (auto it = rows.begin(); it != rows.end() && it->first < row; ++it) {
+        top += HeightIn(rows, it->first) - kStandardRowHeight;
+    }
+    return top;
+}
+
+double RowTop(const Sheet& sheet, int row) {
+    return RowTopIn(sheet.rows, row);
+}
+
+bool IsDateFormat(std::string_view numberFormat) {
+    bool quoted = false;
+    for (std::size_t k = 0; k < numberFormat.size(); ++k) {
+        const char c = LowerAscii(numberFormat[k]);
+        if (quoted) {
+            quoted = c != '"';
+            continue;
+        }
+        switch (c) {
+            case '"':
+                quoted = true;
+                break;
+            case '\\':
+            case '_':
+            case '*':
+                ++k;
+                break;  // the next character is literal (or padding)
+            case '[': {
+                // [Red], [$-411] and the like are not date parts; [h], [mm], [ss] are.
+                const std::size_t end = numberFormat.find(']', k);
+                if (end == std::string_view::npos) return false;
+                const char inner = LowerAscii(numberFormat[k + 1]);
+                if (inner == 'h' || inner == 'm' || inner == 's') return true;
+                k = end;
+                break;
+            }
+            case 'y':
+            case 'm':
+            case 'd':
+            case 'h':
+            case 's':
+                return true;
+            default:
+                break;
+        }
+    }
+    return false;
+}
+
+}  // namespace sheethost

@@ -1,0 +1,267 @@
+// The in-memory workbook as plain data: sheets, cells, formats, row heights, column widths, hidden
+// flags, defined names, the selection and the drawing layer. The automation objects read and
+// change these records; the JSON loader and dumper translate them.
+//
+// Rows and columns are 1-based, as the spreadsheet counts them. Formats follow the spreadsheet's
+// own model: a cell's style is its own when the cell has an entry, else its row's style when the
+// row has one, else its column's, else the default style.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "sheethost/formula.h"
+#include "sheethost/shape_model.h"
+#include "sheethost/value.h"
+
+namespace sheethost {
+
+inline constexpr double kStandardColumnWidth = 8.43;  // characters of the default font
+inline constexpr double kStandardRowHeight = 15;      // points
+
+// The spreadsheet's own enumeration values for the cell members the host answers.
+namespace xl {
+inline constexpr int kNone = -4142;       // xlNone, xlColorIndexNone, xlLineStyleNone
+inline constexpr int kAutomatic = -4105;  // xlColorIndexAutomatic
+// Border line styles and weights
+inline constexpr int kContinuous = 1;
+inline constexpr int kHairline = 1;
+inline constexpr int kThin = 2;
+inline constexpr int kMedium = -4138;
+inline constexpr int kThick = 4;
+// Borders(index)
+inline constexpr int kDiagonalDown = 5;
+inline constexpr int kDiagonalUp = 6;
+inline constexpr int kEdgeLeft = 7;
+inline constexpr int kEdgeTop = 8;
+inline constexpr int kEdgeBottom = 9;
+inline constexpr int kEdgeRight = 10;
+inline constexpr int kInsideVertical = 11;
+inline constexpr int kInsideHorizontal = 12;
+// Alignments
+inline constexpr int kHAlignGeneral = 1;
+inline constexpr int kHAlignLeft = -4131;
+inline constexpr int kHAlignCenter = -4108;
+inline constexpr int kHAlignRight = -4152;
+inline constexpr int kVAlignTop = -4160;
+inline constexpr int kVAlignCenter = -4108;
+inline constexpr int kVAlignBottom = -4107;
+// Interior.Pattern
+inline constexpr int kPatternSolid = 1;
+// FormatConditions.Add type and operator
+inline constexpr int kCellValue = 1;
+inline constexpr int kExpression = 2;
+inline constexpr int kBetween = 1;
+inline constexpr int kNotBetween = 2;
+inline constexpr int kEqual = 3;
+inline constexpr int kNotEqual = 4;
+inline constexpr int kGreater = 5;
+inline constexpr int kLess = 6;
+inline constexpr int kGreaterEqual = 7;
+inline constexpr int kLessEqual = 8;
+// PasteSpecial and Insert
+inline constexpr int kPasteAll = -4104;
+inline constexpr int kPasteValues = -4163;
+inline constexpr int kPasteFormats = -4122;
+inline constexpr int kShiftDown = -4121;
+inline constexpr int kShiftToRight = -4161;
+}  // namespace xl
+
+struct Border {
+    int lineStyle = xl::kNone;
+    int weight = xl::kThin;
+    int colorIndex = xl::kAutomatic;
+
+    bool operator==(const Border&) const = default;
+};
+
+// The borders of one cell, indexed by Borders(index) - xl::kDiagonalDown (diagonal down, diagonal
+// up, left, top, bottom, right).
+using CellBorders = std::array<Border, 6>;
+
+struct Interior {
+    int colorIndex = xl::kNone;
+    std::int32_t color = 0xFFFFFF;  // RGB long
+    int pattern = xl::kNone;
+
+    bool operator==(const Interior&) const = default;
+};
+
+struct CellFont {
+    std::string name = "Calibri";
+    double size = 11;
+    bool bold = false;
+    bool italic = false;
+    int colorIndex = xl::kAutomatic;
+
+    bool operator==(const CellFont&) const = default;
+};
+
+// A conditional format: when the cell's value compares with formula1 (and formula2 for the
+// between operators) its font or interior colour changes.
+struct FormatCondition {
+    int type = xl::kCellValue;
+    int comparison = xl::kBetween;
+    std::string formula1;
+    std::string formula2;
+    std::optional<int> fontColorIndex;
+    std::optional<int> interiorColorIndex;
+
+    bool operator==(const FormatCondition&) const = default;
+};
+
+struct Style {
+    std::string numberFormat = "General";
+    int horizontalAlignment = xl::kHAlignGeneral;
+    int verticalAlignment = xl::kVAlignBottom;
+    bool wrapText = false;
+    CellFont font;
+    Interior interior;
+    CellBorders borders;
+    std::vector<FormatCondition> conditions;
+
+    bool operator==(const Style&) const = default;
+};
+
+struct Cell {
+    Value value;          // Blank for a formula cell: formulas are evaluated when read
+    std::string formula;  // starts with "=" when the cell holds a formula, else empty
+    // The text was typed with a leading apostrophe: it stays text whatever it looks like.
+    bool quotePrefix = false;
+    Style style;
+
+    bool operator==(const Cell&) const = default;
+};
+
+struct CellRef {
+    int row = 1;
+    int column = 1;
+
+    auto operator<=>(const CellRef&) const = default;
+};
+
+struct RowInfo {
+    std::optional<double> height;  // points; the standard height when absent
+    bool hidden = false;
+    std::optional<Style> style;  // the format of the whole row
+
+    bool operator==(const RowInfo&) const = default;
+};
+
+struct ColumnInfo {
+    std::optional<double> width;  // characters; the standard width when absent
+    bool hidden = false;
+    std::optional<Style> style;  // the format of the whole column
+
+    bool operator==(const ColumnInfo&) const = default;
+};
+
+// A defined name. refersTo is a formula such as "=WBS!$B$5" or "=Settings!$C$3:$C$9".
+struct DefinedName {
+    std::string name;
+    std::string refersTo;
+
+    bool operator==(const DefinedName&) const = default;
+};
+
+// A rectangular block of cells on one sheet (inclusive bounds).
+struct Area {
+    int top = 1;
+    int left = 1;
+    int bottom = 1;
+    int right = 1;
+
+    int Rows() const { return bottom - top + 1; }
+    int Columns() const { return right - left + 1; }
+    bool Contains(int row, int column) const {
+        return row >= top && row <= bottom && column >= left && column <= right;
+    }
+    bool WholeRows() const { return left == 1 && right == kMaxColumn; }
+    bool WholeColumns() const { return top == 1 && bottom == kMaxRow; }
+    bool operator==(const Area&) const = default;
+};
+
+struct Sheet {
+    std::string name;
+    std::string codeName;
+    std::map<CellRef, Cell> cells;  // only cells with a value, a formula or their own style
+    std::map<int, RowInfo> rows;
+    std::map<int, ColumnInfo> columns;
+    std::vector<DefinedName> names;  // names local to this sheet
+    // The selection as areas, and the active cell.
+    std::vector<Area> selection{Area{}};
+    CellRef activeCell;
+    int zoom = 100;                              // of the window showing this sheet
+    std::vector<std::shared_ptr<Shape>> shapes;  // in z-order, back to front
+    std::vector<std::shared_ptr<Chart>> charts;
+};
+
+// A chart that stands as a sheet of its own, as Charts.Add makes it, until Location moves it
+// onto a worksheet.
+struct ChartSheet {
+    std::string name;
+    std::shared_ptr<Chart> chart;
+};
+
+// A cell as Copy took it: its contents and effective format, and the value it showed.
+struct ClippedCell {
+    Cell cell;
+    Value shown;
+};
+
+// What Copy or Cut put on the clipboard.
+struct Clipboard {
+    std::weak_ptr<Sheet> sheet;
+    Area area;
+    bool cut = false;
+    // The copied cells, by row and column offset from the area's top-left corner (0-based).
+    std::map<CellRef, ClippedCell> cells;
+};
+
+struct Workbook {
+    std::string name = "Book1";
+    std::vector<std::shared_ptr<Sheet>> sheets;  // worksheets in tab order
+    std::vector<ChartSheet> chartSheets;
+    std::vector<DefinedName> names;  // workbook-level names
+    std::size_t activeSheet = 0;     // index in sheets
+    std::optional<Clipboard> clipboard;
+    // The numbers the last sheet and chart sheet added were named with ("Sheet3", "Chart1"): the
+    // spreadsheet counts on and does not reuse the names of renamed sheets.
+    int lastSheetNumber = 0;
+    int lastChartNumber = 0;
+};
+
+// Style lookups and cell access that keep the format inheritance (cell, row, column, default).
+const Style& EffectiveStyle(const Sheet& sheet, int row, int column);
+// The cell's entry, created with its inherited style when it has none.
+Cell& CellAt(Sheet& sheet, int row, int column);
+const Cell* FindCell(const Sheet& sheet, int row, int column);
+// Drops the cell's entry when it holds nothing its row or column would not give it.
+void TrimCell(Sheet& sheet, int row, int column);
+
+// Sheets and names are matched without regard to case (ASCII letters), as the spreadsheet does.
+bool SameName(std::string_view a, std::string_view b);
+std::shared_ptr<Sheet> FindSheet(const Workbook& book, std::string_view name);
+const DefinedName* FindName(const std::vector<DefinedName>& names, std::string_view name);
+
+// Geometry in points.
+double ColumnWidthPoints(const Sheet& sheet, int column);  // 0 when hidden
+double RowHeightPoints(const Sheet& sheet, int row);       // 0 when hidden
+double ColumnLeft(const Sheet& sheet, int column);         // left edge of the column
+double RowTop(const Sheet& sheet, int row);                // top edge of the row
+double RowTopIn(const std::map<int, RowInfo>& rows, int row);
+// A column width in characters as the spreadsheet shows it, in points (8.43 -> 48).
+double CharactersToPoints(double characters);
+double PointsToCharacters(double points);
+
+// A date or time number format ("yyyy/mm/dd", "h:mm", "m/d/yyyy"): its values read as dates.
+bool IsDateFormat(std::string_view numberFormat);
+
+}  // namespace sheethost

@@ -1,0 +1,200 @@
+#include "sheethost/sheet_edit.h"
+
+#include <algorithm>
+
+#include "sheethost/cell_values.h"
+
+namespace sheethost {
+
+void NormalizeLineInfos(Sheet& sheet) {
+    for (auto& [row, info] : sheet.rows) {
+        if (info.style == Style{}) info.style.reset();
+    }
+    for (auto& [column, info] : sheet.columns) {
+        if (info.style == Style{}) info.style.reset();
+    }
+    std::erase_if(sheet.rows, [](const auto& entry) { return entry.second == RowInfo{}; });
+    std::erase_if(sheet.columns, [](const auto& entry) { return entry.second == ColumnInfo{}; });
+}
+
+namespace {
+
+void ChangeCells(Sheet& sheet, const std::vector<CellRef>& cells,
+                 const std::function<void(Style&)>& change) {
+    for (const CellRef& ref : cells) change(CellAt(sheet, ref.row, ref.column).style);
+}
+
+void TrimCells(Sheet& sheet, const std::vector<CellRef>& cells) {
+    for (const CellRef& ref : cells) TrimCell(sheet, ref.row, ref.column);
+}
+
+void ChangeColumns(Sheet& sheet, const Area& area, const std::function<void(Style&)>& change) {
+    // A row format outranks the column's: where a formatted row crosses the columns, the cell
+    // gets an entry of its own that keeps the row's format and takes the change.
+    for (const auto& [row, info] : sheet.rows) {
+        if (!info.style) continue;
+        for (int column = area.left; column <= area.right; ++column) {
+            CellAt(sheet, row, column);
+        }
+    }
+    const std::vector<CellRef> cells = CellsIn(sheet, area);
+    ChangeCells(sheet, cells, change);
+    for (int column = area.left; column <= area.right; ++column) {
+        ColumnInfo& info = sheet.columns[column];
+        Style style = info.style.value_or(Style{});
+        change(style);
+        info.style = std::move(style);
+    }
+    TrimCells(sheet, cells);
+}
+
+void ChangeRows(Sheet& sheet, const Area& area, const std::function<void(Style&)>& change) {
+    // Cells under a formatted column keep that column's format once the row has a format of its
+    // own, which would otherwise take precedence.
+    for (int row = area.top; row <= area.bottom; ++row) {
+        const auto found = sheet.rows.find(row);
+        if (found != sheet.rows.end() && found->second.style) continue;
+        for (const auto& [column, info] : sheet.columns) {
+            if (info.style) CellAt(sheet, row, column);
+        }
+    }
+    const std::vector<CellRef> cells = CellsIn(sheet, area);
+    ChangeCells(sheet, cells, change);
+    for (int row = area.top; row <= area.bottom; ++row) {
+        RowInfo& info = sheet.rows[row];
+        Style style = info.style.value_or(Style{});
+        change(style);
+        info.style = std::move(style);
+    }
+    TrimCells(sheet, cells);
+}
+
+// The whole sheet: every cell, row and column format takes the change; columns without a format
+// get one only when the change alters the default format.
+void ChangeSheet(Sheet& sheet, const std::function<void(Style&)>& change) {
+    for (auto& [ref, cell] : sheet.cells) change(cell.style);
+    for (auto& [row, info] : sheet.rows) {
+        if (info.style) change(*info.style);
+    }
+    Style changedDefault;
+    change(changedDefault);
+    for (int column = 1; column <= kMaxColumn; ++column) {
+        const auto found = sheet.columns.find(column);
+        if (found != sheet.columns.end() && found->second.style) {
+            change(*found->second.style);
+        } else if (changedDefault != Style{}) {
+            sheet.columns[column].style = changedDefault;
+        }
+    }
+    std::vector<CellRef> cells;
+    for (const auto& [ref, cell] : sheet.cells) cells.push_back(ref);
+    TrimCells(sheet, cells);
+}
+
+void ChangeBlock(Sheet& sheet, const Area& area, const std::function<void(Style&)>& change) {
+    std::vector<CellRef> cells;
+    for (int row = area.top; row <= area.bottom; ++row) {
+        for (int column = area.left; column <= area.right; ++column) {
+            cells.push_back(CellRef{row, column});
+        }
+    }
+    ChangeCells(sheet, cells, change);
+    TrimCells(sheet, cells);
+}
+
+}  // namespace
+
+std::vector<CellRef> CellsIn(const Sheet& sheet, const Area& area) {
+    std::vector<CellRef> cells;
+    for (auto it = sheet.cells.lower_bound(CellRef{area.top, 0});
+         it != sheet.cells.end() && it->first.row <= area.bottom; ++it) {
+        if (it->first.column >= area.left && it->first.column <= area.right) {
+            cells.push_back(it->first);
+        }
+    }
+    return cells;
+}
+
+void ChangeStyle(Sheet& sheet, const std::vector<Area>& areas,
+                 const std::function<void(Style&)>& change) {
+    for (const Area& area : areas) {
+        if (area.WholeColumns() && area.WholeRows()) {
+            ChangeSheet(sheet, change);
+        } else if (area.WholeColumns()) {
+            ChangeColumns(sheet, area, change);
+        } else if (area.WholeRows()) {
+            ChangeRows(sheet, area, change);
+        } else {
+            ChangeBlock(sheet, area, change);
+        }
+    }
+    NormalizeLineInfos(sheet);
+}
+
+void ClearContents(Sheet& sheet, const std::vector<Area>& areas) {
+    for (const Area& area : areas) {
+        for (const CellRef& ref : CellsIn(sheet, area)) {
+            ClearCellContents(sheet, ref.row, ref.column);
+        }
+    }
+}
+
+void ClearFormats(Sheet& sheet, const std::vector<Area>& areas) {
+    ChangeStyle(sheet, areas, [](Style& style) { style = Style{}; });
+}
+
+Clipboard CopyCells(const Workbook& book, const std::shared_ptr<Sheet>& sheet, const Area& area,
+                    bool cut) {
+    Clipboard clipboard{sheet, area, cut, {}};
+    auto take = [&](int row, int column) {
+        const Cell* cell = FindCell(*sheet, row, column);
+        const Style& style = EffectiveStyle(*sheet, row, column);
+        if (cell == nullptr && style == Style{}) return;
+        ClippedCell clipped{cell ? *cell : Cell{}, CellDisplayValue(book, *sheet, row, column)};
+        clipped.cell.style = style;
+        clipboard.cells.emplace(CellRef{row - area.top, column - area.left}, std::move(clipped));
+    };
+    if (area.WholeRows() || area.WholeColumns()) {
+        // Whole rows or columns: the cells that exist; row and column formats stay behind.
+        for (const CellRef& ref : CellsIn(*sheet, area)) take(ref.row, ref.column);
+    } else {
+        for (int row = area.top; row <= area.bottom; ++row) {
+            for (int column = area.left; column <= area.right; ++column) take(row, column);
+        }
+    }
+    return clipboard;
+}
+
+void PasteCells(Sheet& sheet, const Clipboard& clipboard, int top, int left, PasteKind kind) {
+    const Area& source = clipboard.area;
+    const Area target{top, left, std::min(top + source.Rows() - 1, kMaxRow),
+                      std::min(left + source.Columns() - 1, kMaxColumn)};
+    if (kind != PasteKind::kFormats) ClearContents(sheet, {target});
+    if (kind != PasteKind::kValues) ClearFormats(sheet, {target});
+    for (const auto& [offset, clipped] : clipboard.cells) {
+        const int row = top + offset.row;
+        const int column = left + offset.column;
+        if (!target.Contains(row, column)) continue;
+        Cell& cell = CellAt(sheet, row, column);
+        switch (kind) {
+            case PasteKind::kAll:
+                cell = clipped.cell;
+                if (!cell.formula.empty()) {
+                    cell.formula =
+                        OffsetReferences(cell.formula, top - source.top, left - source.left);
+                }
+                break;
+            case PasteKind::kValues:
+                cell.value = clipped.shown;
+                cell.formula.clear();
+                cell.quotePrefix = clipped.cell.quotePrefix;
+                break;
+            case PasteKind::kFormats:
+                cell.style = clipped.cell.style;
+                break;
+        }
+        TrimCell(sheet, row, column);
+    }
+}
+
+}  // namespace sheethost

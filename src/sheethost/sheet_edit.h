@@ -1,0 +1,39 @@
+// Edits of a sheet's cells over blocks of cells: formats, clearing, copy and paste. Formatting
+// whole rows or columns changes the row or column format, as the spreadsheet does, rather than a
+// million cells.
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <vector>
+
+#include "sheethost/model.h"
+
+namespace sheethost {
+
+// The cells with an entry inside the block, in row order.
+std::vector<CellRef> CellsIn(const Sheet& sheet, const Area& area);
+
+// Applies `change` to the format of every cell of the areas (and to the row or column format of
+// whole rows and columns), keeping what each cell inherited.
+void ChangeStyle(Sheet& sheet, const std::vector<Area>& areas,
+                 const std::function<void(Style&)>& change);
+
+// A row or column format equal to the default is no format, and an entry that holds nothing is
+// dropped, so that equal sheets have equal records.
+void NormalizeLineInfos(Sheet& sheet);
+
+void ClearContents(Sheet& sheet, const std::vector<Area>& areas);
+void ClearFormats(Sheet& sheet, const std::vector<Area>& areas);
+
+// The block as Copy (or Cut) takes it.
+Clipboard CopyCells(const Workbook& book, const std::shared_ptr<Sheet>& sheet, const Area& area,
+                    bool cut);
+
+enum class PasteKind { kAll, kValues, kFormats };
+
+// Pastes a copied block with its top-left corner at (top, left): everything (formulas follow
+// the move), the values shown, or the formats. Parts that would fall off the sheet are dropped.
+void PasteCells(Sheet& sheet, const Clipboard& clipboard, int top, int left, PasteKind kind);
+
+}  // namespace sheethost

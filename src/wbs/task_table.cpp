@@ -1,0 +1,272 @@
+#include "wbs/task_table.h"
+
+#include <algorithm>
+#include <cctype>
+#include <memory>
+
+#include "calendar/task_tests.h"
+#include "engine/engine_state.h"
+#include "settings/settings.h"
+#include "values/values.h"
+
+namespace {
+
+constexpr std::int64_t kInitialPoolSize = 200;
+
+std::string_view TrimTrailingBlanks(std::string_view text) {
+    const auto end = text.find_last_not_of(' ');
+    return end == std::string_view::npos ? std::string_view() : text.substr(0, end + 1);
+}
+
+std::string NameCellText(std::int64_t row, std::int64_t nameColumnOffset) {
+    return EngineWbsSheet().Cell(row, EngineSettings().taskNameColNo + nameColumnOffset).GetValue();
+}
+
+bool EqualIgnoringCase(std::string_view a, std::string_view b) {
+    return std::ranges::equal(
+        a, b, [](unsigned char x, unsigned char y) { return std::toupper(x) == std::toupper(y); });
+}
+
+// The cell of the task's row in a column given by number, as the row reader addresses it ("F12").
+XlObject RowCell(const TaskRecord& record, std::int64_t column) {
+    return EngineWbsSheet().RangeOf(ColumnLetters(column) + std::to_string(record.row));
+}
+
+// Places a time of day read from the task sheet on the task's calendar day. A time earlier than the
+// day's working start belongs to the next calendar day: the working period runs past midnight.
+double OnCalendarDay(double timeOfDay, const CalendarDay& day) {
+    if (timeOfDay == 0.0) {
+        return 0.0;
+    }
+    const double placed = timeOfDay + day.date;
+    if (values::SerialToDateTime(placed).hour < values::SerialToDateTime(day.start).hour) {
+        return placed + 1.0;
+    }
+    return placed;
+}
+
+void CountTaskRows(TaskTable& table, std::int64_t firstTaskRow) {
+    table.taskCount = 0;
+    while (table.taskCount < kMaxTaskRows && IsTaskRow(firstTaskRow + table.taskCount)) {
+        ++table.taskCount;
+    }
+}
+
+// Rows 1..taskCount are derived from the sheet, including the row just below the last task, whose
+// counters feed only the leaf test of the last task. Row 0 is always the first top-level task,
+// whatever column its name is in.
+void DeriveOutline(TaskTable& table, std::int64_t firstTaskRow) {
+    auto& outline = table.outline;
+    for (std::int64_t i = 0; i <= table.taskCount; ++i) {
+        outline[i].fill(0);
+    }
+    outline[0][0] = 1;
+    // The top level counts any text as a name, blanks included; deeper levels trim them.
+    for (std::int64_t i = 1; i <= table.taskCount; ++i) {
+        const bool named = !NameCellText(firstTaskRow + i, 0).empty();
+        outline[i][0] = outline[i - 1][0] + (named ? 1 : 0);
+    }
+    for (int j = 1; j < kNameColumns; ++j) {
+        for (std::int64_t i = 1; i <= table.taskCount; ++i) {
+            const std::string text = NameCellText(firstTaskRow + i, j);
+            if (!TrimTrailingBlanks(text).empty()) {
+                outline[i][j] = outline[i - 1][j] + 1;
+                continue;
+            }
+            outline[i][j] = outline[i - 1][j];
+            // A new parent began on this row, or the row is not below that level at all.
+            if (outline[i][j - 1] > outline[i - 1][j - 1] || outline[i][j - 1] == 0) {
+                outline[i][j] = 0;
+            }
+        }
+    }
+}
+
+// The pool never shrinks. Growing starts at the current size, so the first new record repeats the
+// key of the last existing one; records are taken by index, which keeps them all distinct.
+void GrowPool(TaskTable& table) {
+    if (table.poolSize >= table.taskCount) {
+        return;
+    }
+    for (std::int64_t n = table.poolSize; n <= table.taskCount; ++n) {
+        table.pool.Add(std::to_string(n), new TaskRecord());
+    }
+    table.poolSize = table.taskCount;
+}
+
+std::int64_t GroupIndex(std::string_view wbsNo, const SettingsRecord& settings) {
+    std::string_view first = wbsNo;
+    if (!settings.wbsNoFormat.empty()) {
+        first = wbsNo.substr(0, wbsNo.find(settings.wbsNoFormat));
+    }
+    return values::TextToInteger(first) + 1 - settings.wbsNoBegin;
+}
+
+}  // namespace
+
+void TaskTable_Init() {
+    auto table = std::make_unique<TaskTable>();
+    for (std::int64_t n = 1; n <= kInitialPoolSize; ++n) {
+        table->pool.Add(std::to_string(n), new TaskRecord());
+    }
+    table->poolSize = kInitialPoolSize;
+    Engine().tasks = std::move(table);
+}
+
+void TaskTable_Free() {
+    Engine().tasks.reset();
+}
+
+void TaskTable_Load() {
+    TaskTable& table = EngineTasks();
+    const SettingsRecord& settings = EngineSettings();
+    CountTaskRows(table, settings.firstTaskRow);
+    DeriveOutline(table, settings.firstTaskRow);
+    GrowPool(table);
+    table.byWbs.Clear(false);
+    for (std::int64_t k = 0; k < table.taskCount; ++k) {
+        TaskRecord& record = *table.pool.ItemAt(k + 1);
+        record.row = settings.firstTaskRow + k;
+        record.wbsNo = Outline_WbsText(k);
+        record.level = WbsLevel(record.wbsNo);
+        record.isLeaf = Outline_IsLeaf(record);
+        record.groupIndex = GroupIndex(record.wbsNo, settings);
+        table.byWbs.Add(record.wbsNo, &record);
+    }
+}
+
+void TaskRecord_ReadRow(TaskRecord& record) {
+    const SettingsRecord& settings = EngineSettings();
+    BstrSet(record.nameCell,
+            RowCell(record, settings.taskNameColNo + record.level - 1).GetWide("Value"));
+    BstrSet(record.typeCell, RowCell(record, settings.taskTypeColNo).GetWide("Value"));
+    BstrSet(record.resourceCell, RowCell(record, settings.resourceColNo).GetWide("Value"));
+    record.pvText = RowCell(record, settings.pvByTaskColNo).GetValue();
+    record.acText = RowCell(record, settings.acByTaskColNo).GetValue();
+    record.plannedStart = RowCell(record, settings.plannedStartDateColNo).GetValueNum();
+    record.plannedEnd = RowCell(record, settings.plannedEndDateColNo).GetValueNum();
+    record.actualStart = RowCell(record, settings.actualStartDateColNo).GetValueNum();
+    record.actualEnd = RowCell(record, settings.actualEndDateColNo).GetValueNum();
+    record.percentText = RowCell(record, settings.percentCompleteColNo).GetValue();
+    record.predecessors = RowCell(record, settings.predecessorsColNo).GetValue();
+
+    const CalendarDay* day = CalendarDayAt(record.groupIndex);
+    if (day == nullptr) {
+        // Without a calendar there is no day to place the times on; the starts count as unset.
+        record.plannedStart = 0.0;
+        record.actualStart = 0.0;
+        return;
+    }
+    record.plannedStart = OnCalendarDay(record.plannedStart, *day);
+    record.plannedEnd = OnCalendarDay(record.plannedEnd, *day);
+    record.actualStart = OnCalendarDay(record.actualStart, *day);
+    record.actualEnd = OnCalendarDay(record.actualEnd, *day);
+}
+
+TaskRecord* Tasks_First() {
+    return EngineTasks().byWbs.ItemAt(1);
+}
+
+TaskRecord* Tasks_Last() {
+    const auto& byWbs = EngineTasks().byWbs;
+    return byWbs.ItemAt(byWbs.Count());
+}
+
+TaskRecord* Tasks_Next(const TaskRecord& record) {
+    return Tasks_ByRow(record.row + 1);
+}
+
+TaskRecord* Tasks_ByRow(std::int64_t row) {
+    return EngineTasks().byWbs.ItemAt(row - EngineSettings().firstTaskRow + 1);
+}
+
+TaskRecord* Tasks_ByWbs(std::string_view wbsText) {
+    return EngineTasks().byWbs.Find(wbsText);
+}
+
+TaskRecord* Tasks_ByCode(std::string_view code) {
+    for (TaskRecord* task = Tasks_First(); task != nullptr; task = Tasks_Next(*task)) {
+        if (EqualIgnoringCase(TaskNameHead(*task), code)) {
+            return task;
+        }
+    }
+    return nullptr;
+}
+
+TaskRecord* Tasks_Find(std::string_view reference) {
+    TaskRecord* task = Tasks_ByCode(reference);
+    return task != nullptr ? task : Tasks_ByWbs(reference);
+}
+
+std::string Tasks_AncestorRows(std::int64_t row) {
+    const TaskRecord* task = Tasks_ByRow(row);
+    if (task == nullptr) {
+        return {};
+    }
+    // Walking up the sheet, each task less deep than the last one found is the next ancestor.
+    std::string rows;
+    std::int64_t level = task->level;
+    for (std::int64_t above = row - 1; level > 1; --above) {
+        const TaskRecord* candidate = Tasks_ByRow(above);
+        if (candidate == nullptr) {
+            break;
+        }
+        if (candidate->level < level) {
+            rows += std::to_string(candidate->row) + ",";
+            level = candidate->level;
+        }
+    }
+    return rows;
+}
+
+bool IsTaskRow(std::int64_t row) {
+    for (int offset = 0; offset < kNameColumns; ++offset) {
+        if (!TrimTrailingBlanks(NameCellText(row, offset)).empty()) {
+            return true;
+        }
+    }
+    return false;
+}
+
+std::int64_t WbsLevel(std::string_view wbsText) {
+    // One more than the commas once every separator has become a comma (left to right, without
+    // overlaps), so a comma written into a WBS text separates components too.
+    const std::string_view separator = EngineSettings().wbsNoFormat;
+    std::int64_t commas = 0;
+    for (std::size_t at = 0; at < wbsText.size();) {
+        if (!separator.empty() && wbsText.substr(at).starts_with(separator)) {
+            ++commas;
+            at += separator.size();
+        } else {
+            commas += wbsText[at] == ',' ? 1 : 0;
+            ++at;
+        }
+    }
+    return commas + 1;
+}
+
+std::string Outline_WbsText(std::int64_t i) {
+    const SettingsRecord& settings = EngineSettings();
+    const auto& counters = EngineTasks().outline[i];
+    std::string text = std::to_string(settings.wbsNoBegin + counters[0] - 1);
+    for (int j = 1; j <= kNameColumns && counters[j] >= 1; ++j) {
+        text += settings.wbsNoFormat + std::to_string(counters[j]);
+    }
+    return text;
+}
+
+std::int64_t Outline_IsLeaf(const TaskRecord& record) {
+    const std::int64_t next = record.row - EngineSettings().firstTaskRow + 1;
+    if (next < 0 || next > kMaxTaskRows || record.level < 0 || record.level > kNameColumns) {
+        return 1;
+    }
+    return EngineTasks().outline[next][record.level] == 0 ? 1 : 0;
+}
+
+bool IsDescendant(const TaskRecord& parent, const TaskRecord& other) {
+    return other.wbsNo.starts_with(parent.wbsNo);
+}
+
+bool IsChild(const TaskRecord& parent, const TaskRecord& other) {
+    return other.level == parent.level + 1;
+}

@@ -1,0 +1,133 @@
+#include "wbs/wbs_update.h"
+
+#include <string>
+
+#include "calendar/calendar.h"
+#include "calendar/task_tests.h"
+#include "engine/engine_state.h"
+#include "engine/messages.h"
+#include "engine/refresh.h"
+#include "engine/visible_rows.h"
+#include "settings/settings.h"
+#include "values/values.h"
+#include "wbs/task_status.h"
+
+namespace {
+
+// The WBS number and the name run together in messages, exactly as the workbook's users know them.
+std::string TaskTitle(const TaskRecord& task) {
+    return task.wbsNo + BstrText(task.nameCell);
+}
+
+void CheckResource(TaskRecord& task, [[maybe_unused]] const CalendarDay* currentDay) {
+    if (const ResourceRecord* resource = FindResource(task.resourceCell)) {
+        // When the settings' reschedule flag is set, rescheduling places the task at this point
+        // (on `currentDay`, one task after another per resource) before its row is read again.
+        // Rescheduling is not built yet: the flag changes nothing here so far.
+        TaskRecord_ReadRow(task);
+        // Written so that a release date that is not a number also warns.
+        if (resource->releaseDate != 0 && !(resource->releaseDate >= task.plannedEnd)) {
+            ShowMessage("Attention: Plan of task '" + TaskTitle(task) + "' is over " +
+                            BstrText(task.resourceCell) + "'s release date.",
+                        MB_ICONWARNING);
+        }
+        return;
+    }
+    // A recurring task names its cycle ("W2", "M") where others name a resource.
+    if (ParseTaskCycle(task)) {
+        return;
+    }
+    const std::string resourceText = BstrText(task.resourceCell);
+    if (!resourceText.empty()) {
+        ShowMessage("Can not get " + resourceText + "'s information from 'Resources' sheet.",
+                    MB_ICONWARNING);
+    } else {
+        ShowMessage("Please specify resource for task '" + TaskTitle(task) + "'",
+                    MB_ICONINFORMATION);
+    }
+}
+
+// An ordinary task holds values only: formulas left from a time when it was a summary task are
+// replaced by the values they show.
+void FreezeRow(const TaskRecord& task) {
+    const SettingsRecord& settings = EngineSettings();
+    const XlObject sheet = EngineWbsSheet();
+    for (std::int64_t column = settings.firstColNo; column <= settings.lastColNo; ++column) {
+        const XlObject cell = sheet.Cell(task.row, column);
+        if (cell.GetNumber("HasFormula") != 0) {
+            const std::string value = cell.GetValue();
+            cell.SetFormula("");
+            cell.SetValue(value);
+        }
+    }
+}
+
+// Plain clock minutes: the calendar's working periods are not subtracted.
+void WriteWorkMinutes(const TaskRecord& task) {
+    const SettingsRecord& settings = EngineSettings();
+    const XlObject sheet = EngineWbsSheet();
+    if (task.plannedStart != 0 && task.plannedEnd != 0) {
+        sheet.SetCell(task.row, settings.pvByTaskColNo,
+                      std::to_string(values::MinutesBetween(task.plannedStart, task.plannedEnd)));
+    }
+    if (task.actualStart != 0 && task.actualEnd != 0) {
+        sheet.SetCell(task.row, settings.acByTaskColNo,
+                      std::to_string(values::MinutesBetween(task.actualStart, task.actualEnd)));
+        sheet.SetCell(task.row, settings.percentCompleteColNo, "100");
+    }
+}
+
+}  // namespace
+
+void UpdateWbsCommand() {
+    if (!RefreshSettings()) {
+        return;
+    }
+    LoadResources();
+    SettingsRecord& settings = EngineSettings();
+    const std::int64_t savedRescheduleFlag = settings.rescheduleFlag;
+    settings.rescheduleFlag = 0;
+    TaskTable_Load();
+    // Rows the user hid by hand are taken over as the filter.
+    settings.filterRows = VisibleRowsText();
+    if (!settings.filterRows.empty()) {
+        ApplyVisibleRows("");
+    }
+    UpdatePass();
+    settings.rescheduleFlag = savedRescheduleFlag;
+    if (!settings.filterRows.empty()) {
+        ApplyVisibleRows(settings.filterRows);
+    }
+}
+
+void UpdatePass() {
+    const CalendarDay* currentDay = nullptr;
+    for (TaskRecord* task = Tasks_First(); task != nullptr; task = Tasks_Next(*task)) {
+        TaskRecord_ReadRow(*task);
+        // Each top-level group is one calendar day, and every resource starts the day free.
+        if (task->level == 1 && task->isLeaf == 0 && task->groupIndex <= CalendarDayCount()) {
+            currentDay = CalendarDayAt(task->groupIndex);
+            LoadResources();
+        }
+        if (task->isLeaf == 1) {
+            CheckResource(*task, currentDay);
+        }
+        UpdateTask(*task);
+    }
+}
+
+void UpdateTask(TaskRecord& task) {
+    TaskRecord_ReadRow(task);
+    const SettingsRecord& settings = EngineSettings();
+    EngineWbsSheet().SetCell(task.row, settings.wbsNoColNo, task.wbsNo);
+    if (task.isLeaf == 1) {
+        FreezeRow(task);
+        WriteWorkMinutes(task);
+    }
+    CheckPredecessors(task);
+    ColourTaskRow(task);
+    // Deeper summaries are reached from their top-level summary.
+    if (task.level == 1 && task.isLeaf == 0) {
+        SummaryRollup(task);
+    }
+}

@@ -1,0 +1,42 @@
+// The WBS update: the pass that every command changing the task sheet ends with. For each task in
+// sheet order it writes the WBS number, turns an ordinary task's dates into planned and actual
+// work in minutes, checks the task's resource and predecessor links (one message per finding),
+// recolours the row, and gives every summary task formulas that roll its children up.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "wbs/task_table.h"
+
+// The whole of kpUpdateWBS: refreshes the settings, loads the resources and the task table, shows
+// every task row while the pass writes (taking over the rows the user hid by hand), runs the pass
+// without rescheduling, and hides the same rows again.
+void UpdateWbsCommand();
+
+// The walk over every task of the loaded table. Places tasks first when the settings' reschedule
+// flag is set.
+void UpdatePass();
+
+// The write-back of one task: WBS number, frozen values, work in minutes, dependency check, row
+// colours and, for a top-level summary, the roll-up formulas of its whole subtree.
+void UpdateTask(TaskRecord& task);
+
+// Checks every predecessor named in the task's predecessors cell ("3", "3ss", "Design,1.2FF"):
+// sets `dependencyError` when one of the links is violated, clears it otherwise. Unknown
+// references are skipped silently.
+void CheckPredecessors(TaskRecord& successor);
+// Tests one link of `type` ("FS", "FF", "SS", "SF"; any other type tests nothing) after reading the
+// predecessor's row again; a violation sets the successor's `dependencyError`.
+void CheckLink(TaskRecord& predecessor, TaskRecord& successor, std::string_view type);
+
+// Writes the roll-up formulas of `summary` and of every summary below it.
+void SummaryRollup(const TaskRecord& summary);
+// Writes the seven roll-up formulas of a summary row. `childRows` lists the direct children's rows
+// as "*13,*15": replacing "*" by a column's letters gives that column's cells of the children.
+void WriteSummaryFormulas(const TaskRecord& summary, std::string_view childRows);
+
+// IF(x=0,"",x): a roll-up that shows nothing rather than 0.
+std::string IfZeroEmpty(std::string_view x);
+// IF(ISERROR(x),y,x): a guarded division, as the reports write it.
+std::string IfErrorThen(std::string_view x, std::string_view y);

@@ -1,0 +1,79 @@
+// Reading a workbook package into the in-memory host.
+#include <memory>
+
+#include "sheethost/model.h"
+#include "xlsx/package.h"
+#include "xlsx/sheet_read.h"
+#include "xlsx/styles.h"
+#include "xlsx/workbook_parts.h"
+#include "xlsx/xlsx.h"
+#include "xlsx/xml.h"
+
+namespace xlsx {
+namespace {
+
+void ReadDefinedNames(const pugi::xml_node& workbook, sheethost::Workbook& book,
+                      const std::vector<int>& worksheetOfTab) {
+    for (pugi::xml_node node : Children(Child(workbook, "definedNames"), "definedName")) {
+        sheethost::DefinedName name{node.attribute("name").value(),
+                                    "=" + std::string(node.text().get())};
+        if (auto local = node.attribute("localSheetId")) {
+            const int tab = local.as_int(-1);
+            if (tab < 0 || tab >= static_cast<int>(worksheetOfTab.size())) continue;
+            const int worksheet = worksheetOfTab[static_cast<std::size_t>(tab)];
+            // Names local to a chart sheet have no place in the host.
+            if (worksheet < 0) continue;
+            book.sheets[static_cast<std::size_t>(worksheet)]->names.push_back(std::move(name));
+        } else {
+            book.names.push_back(std::move(name));
+        }
+    }
+}
+
+}  // namespace
+
+std::shared_ptr<sheethost::Workbook> LoadXlsx(const std::filesystem::path& file) {
+    const Package package = ReadPackage(file);
+    pugi::xml_document workbookDocument;
+    const WorkbookParts parts = LocateParts(package, workbookDocument);
+
+    pugi::xml_document stylesDocument;
+    if (const Part* styles = package.Find(parts.stylesPart)) {
+        ParseXml(stylesDocument, styles->bytes, parts.stylesPart);
+    }
+    const StyleSheet styles(stylesDocument);
+    const auto sharedStrings = ReadSharedStrings(package, parts.sharedStringsPart);
+
+    auto book = std::make_shared<sheethost::Workbook>();
+    book->name = file.filename().string();
+    // localSheetId and activeTab count every sheet; the host keeps worksheets only.
+    std::vector<int> worksheetOfTab;
+    for (const SheetEntry& entry : parts.sheets) {
+        const Part* part = package.Find(entry.part);
+        if (part == nullptr) {
+            worksheetOfTab.push_back(-1);
+            continue;
+        }
+        pugi::xml_document sheetDocument;
+        ParseXml(sheetDocument, part->bytes, entry.part);
+        auto sheet = std::make_shared<sheethost::Sheet>();
+        sheet->name = entry.name;
+        ReadWorksheet(sheetDocument.document_element(), sharedStrings, styles, *sheet);
+        worksheetOfTab.push_back(static_cast<int>(book->sheets.size()));
+        book->sheets.push_back(std::move(sheet));
+    }
+    if (book->sheets.empty()) throw XlsxError("the workbook has no worksheet");
+
+    const pugi::xml_node workbook = workbookDocument.document_element();
+    ReadDefinedNames(workbook, *book, worksheetOfTab);
+    const int activeTab =
+        Child(Child(workbook, "bookViews"), "workbookView").attribute("activeTab").as_int();
+    if (activeTab >= 0 && activeTab < static_cast<int>(worksheetOfTab.size()) &&
+        worksheetOfTab[static_cast<std::size_t>(activeTab)] >= 0) {
+        book->activeSheet =
+            static_cast<std::size_t>(worksheetOfTab[static_cast<std::size_t>(activeTab)]);
+    }
+    return book;
+}
+
+}  // namespace xlsx

@@ -1,0 +1,28 @@
+// A host sheet written into a worksheet part, keeping the elements the host does not model.
+#pragma once
+
+#include <map>
+#include <pugixml.hpp>
+#include <string>
+
+#include "sheethost/model.h"
+#include "xlsx/styles.h"
+
+namespace xlsx {
+
+// The shared-string table of the source package: texts already there are written by index so
+// that their rich text survives; other texts are written inline.
+using SharedStringIndex = std::map<std::string, int, std::less<>>;
+
+inline constexpr const char* kEmptyWorksheet =
+    R"(<worksheet xmlns="http://schemas.openxmlformats.org/spreadsheetml/2006/main" )"
+    R"(xmlns:r="http://schemas.openxmlformats.org/officeDocument/2006/relationships">)"
+    R"(<sheetData/></worksheet>)";
+
+// Replaces the code name, columns, rows and cells of the <worksheet> element with the sheet's,
+// and marks its tab selected when it is the active sheet. Formulas are written without cached
+// values.
+void WriteWorksheet(pugi::xml_node worksheet, const sheethost::Sheet& sheet, StyleSheet& styles,
+                    const SharedStringIndex& sharedStrings, bool active);
+
+}  // namespace xlsx

@@ -1,0 +1,50 @@
+// The cell formats of styles.xml as host styles, and new formats appended for styles the file
+// does not hold yet (existing entries are never changed, so the formats of cells the host did not
+// touch stay exactly as they were).
+#pragma once
+
+#include <pugixml.hpp>
+#include <vector>
+
+#include "sheethost/model.h"
+
+namespace xlsx {
+
+class StyleSheet {
+  public:
+    // Reads the document's formats; an empty document is given the minimal entries every
+    // workbook needs.
+    explicit StyleSheet(pugi::xml_document& document);
+
+    // The style of cellXfs entry `index` (the default style when out of range), and whether that
+    // entry marks text typed with a leading apostrophe.
+    const sheethost::Style& StyleAt(int index) const;
+    bool QuotePrefixAt(int index) const;
+
+    // The cellXfs entry for a style, appended (with its font, fill, border and number format as
+    // needed) when none matches. Conditional formats are not part of the entry.
+    int IndexOf(const sheethost::Style& style, bool quotePrefix);
+
+  private:
+    struct Format {
+        sheethost::Style style;
+        bool quotePrefix = false;
+    };
+    int FontIndex(const sheethost::CellFont& font);
+    int FillIndex(const sheethost::Interior& interior);
+    int BorderIndex(const sheethost::CellBorders& borders);
+    int NumberFormatId(const std::string& code);
+    pugi::xml_node Section(const char* localName);
+
+    pugi::xml_node root_;
+    std::vector<std::pair<int, std::string>> numberFormats_;  // custom id, code
+    std::vector<sheethost::CellFont> fonts_;
+    std::vector<sheethost::Interior> fills_;
+    std::vector<sheethost::CellBorders> borders_;
+    std::vector<Format> formats_;
+};
+
+// The code of a built-in number format id ("General" for 0, "m/d/yyyy" for 14); empty if unknown.
+std::string BuiltInNumberFormat(int id);
+
+}  // namespace xlsx

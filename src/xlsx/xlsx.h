@@ -1,0 +1,40 @@
+// Workbook files: .xlsx and .xlsm packages read into the in-memory host and written back.
+//
+// Saving rewrites only what the host models (cells, formulas, formats, rows and columns, sheets,
+// defined names) and carries every other part of the source package (macros, custom UI, themes,
+// printer settings, drawings, comments, ...) and every element it does not model (sheet views,
+// data validations, page setup, ...) through unchanged, byte for byte for whole parts.
+//
+// Errors: every failure throws XlsxError with a message fit for the user. A file that is not a
+// workbook package, is corrupt, encrypted, or too large when unpacked (a zip bomb) is refused
+// before anything is read into the workbook, and a failed save leaves no output file behind.
+#pragma once
+
+#include <filesystem>
+#include <memory>
+#include <stdexcept>
+
+#include "sheethost/model.h"
+
+namespace xlsx {
+
+class XlsxError : public std::runtime_error {
+  public:
+    using runtime_error::runtime_error;
+};
+
+std::shared_ptr<sheethost::Workbook> LoadXlsx(const std::filesystem::path& file);
+
+struct SaveOptions {
+    // Saving onto the file the workbook was loaded from is refused unless this is set.
+    bool overwriteSource = false;
+};
+
+// Writes `book` to `target` through a temporary file in the target's folder, renamed into place
+// once complete. `source` is the package `book` was loaded from; the parts and elements it holds
+// that the host does not model are kept. An empty `source` writes a new package (a workbook made
+// from JSON, for instance).
+void SaveXlsx(const sheethost::Workbook& book, const std::filesystem::path& source,
+              const std::filesystem::path& target, const SaveOptions& options = {});
+
+}  // namespace xlsx

@@ -1,0 +1,111 @@
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <sstream>
+
+#include "cli/commands.h"
+#include "cli/session.h"
+#include "cli/workbook_file.h"
+#include "sheethost/sheethost.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+// A workbook whose settings sheet names a calendar unit of 0 minutes: the engine must refuse it.
+constexpr const char* kZeroUnitWorkbook = R"({
+  "names": {"CSCalendarUnit": "=Settings!$B$2", "WSFirstTaskRow": "=Settings!$B$3"},
+  "sheets": [
+    {"name": "WBS", "codeName": "wsWBS", "cells": {"B5": {"value": "Design"}}},
+    {"name": "Settings", "codeName": "wsSettings",
+     "cells": {"B2": {"value": 0}, "B3": {"value": 5}}}
+  ]
+})";
+
+class TemporaryFolder {
+  public:
+    TemporaryFolder()
+        : path_(fs::temp_directory_path() /
+                ("vantora-cli-" + std::to_string(reinterpret_cast<std::uintptr_t>(this)))) {
+        fs::create_directories(path_);
+    }
+    ~TemporaryFolder() { fs::remove_all(path_); }
+    fs::path operator/(const std::string& name) const { return path_ / name; }
+    std::size_t FileCount() const {
+        return static_cast<std::size_t>(std::distance(fs::directory_iterator(path_), {}));
+    }
+
+  private:
+    fs::path path_;
+};
+
+void WriteText(const fs::path& path, const std::string& text) {
+    std::ofstream(path, std::ios::binary) << text;
+}
+
+}  // namespace
+
+TEST(WorkbookFile, WritesAtomicallyAndReadsBackTheSameWorkbook) {
+    TemporaryFolder folder;
+    WriteText(folder / "in.json", kZeroUnitWorkbook);
+    const auto book = ReadWorkbookFile(folder / "in.json");
+    WriteWorkbookFile(*book, folder / "in.json", folder / "out.json");
+
+    EXPECT_EQ(folder.FileCount(), 2u) << "no temporary file may be left behind";
+    const auto again = ReadWorkbookFile(folder / "out.json");
+    EXPECT_EQ(sheethost::DumpWorkbookJson(*again), sheethost::DumpWorkbookJson(*book));
+}
+
+TEST(WorkbookFile, RefusesWhatItCannotReadWithTheFileNamed) {
+    TemporaryFolder folder;
+    WriteText(folder / "broken.json", "{\"sheets\": [");
+    WriteText(folder / "book.xlsx", "PK not a package");
+    for (const char* name : {"broken.json", "book.xlsx", "missing.json"}) {
+        try {
+            ReadWorkbookFile(folder / name);
+            ADD_FAILURE() << name << " was read";
+        } catch (const WorkbookFileError& error) {
+            EXPECT_NE(std::string(error.what()).find(name), std::string::npos) << error.what();
+        }
+    }
+}
+
+TEST(WorkbookFile, AJsonWorkbookSavedAsAPackageReadsBackTheSame) {
+    TemporaryFolder folder;
+    WriteText(folder / "in.json", kZeroUnitWorkbook);
+    const auto book = ReadWorkbookFile(folder / "in.json");
+    WriteWorkbookFile(*book, folder / "in.json", folder / "out.xlsx");
+    const auto again = ReadWorkbookFile(folder / "out.xlsx");
+    EXPECT_EQ(again->sheets.size(), 2u);
+    EXPECT_EQ(again->sheets[1]->codeName, "wsSettings");
+    EXPECT_EQ(sheethost::DumpWorkbookJson(*again), sheethost::DumpWorkbookJson(*book));
+}
+
+TEST(WorkbookFile, WritesNothingForAnUnknownFormat) {
+    TemporaryFolder folder;
+    const auto book = sheethost::NewWorkbook();
+    EXPECT_THROW(WriteWorkbookFile(*book, {}, folder / "out.ods"), WorkbookFileError);
+    EXPECT_EQ(folder.FileCount(), 0u);
+}
+
+TEST(EngineSession, AZeroCalendarUnitStopsBeforeAnyCommandAndChangesNothing) {
+    auto book = sheethost::LoadWorkbookJson(kZeroUnitWorkbook);
+    ASSERT_NE(book, nullptr);
+    const std::string before = sheethost::DumpWorkbookJson(*book);
+
+    std::ostringstream messages;
+    std::streambuf* saved = std::cerr.rdbuf(messages.rdbuf());
+    const CommandCall update{FindEngineCommand("update-wbs"), {}};
+    const bool ran = RunEngineSession(book, {&update, 1}, SessionOptions{});
+    std::cerr.rdbuf(saved);
+
+    EXPECT_FALSE(ran);
+    EXPECT_NE(messages.str().find("CSCalendarUnit"), std::string::npos) << messages.str();
+    EXPECT_EQ(sheethost::DumpWorkbookJson(*book), before);
+    // kpSetWorkBook keeps the references of the sheets it found (wsWBS and wsSettings here)
+    // without ever releasing them; nothing else may stay referenced.
+    EXPECT_EQ(sheethost::LiveObjectCount(), 2)
+        << testing::PrintToString(sheethost::LiveObjectReport());
+}
