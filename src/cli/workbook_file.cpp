@@ -11,16 +11,17 @@ namespace fs = std::filesystem;
 
 namespace {
 
-bool IsJson(const fs::path& path) {
-    return path.extension() == ".json";
-}
+enum class FileKind { kJson, kPackage };
 
-void RequireJson(const fs::path& path) {
-    if (!IsJson(path)) {
-        throw WorkbookFileError(path.string() +
-                                ": only JSON workbooks (.json) can be read and written so far; "
-                                ".xlsx and .xlsm files are not supported yet");
+FileKind KindOf(const fs::path& path) {
+    const std::string extension = path.extension().string();
+    if (extension == ".json") {
+        return FileKind::kJson;
     }
+    if (extension == ".xlsx" || extension == ".xlsm") {
+        return FileKind::kPackage;
+    }
+    throw WorkbookFileError(path.string() + ": a workbook must be a .xlsx, .xlsm or .json file");
 }
 
 }  // namespace

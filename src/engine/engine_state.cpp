@@ -1,7 +1,5 @@
 #include "engine/engine_state.h"
 
-#include <utility>
-
 #include "calendar/calendar.h"
 #include "gantt/gantt.h"
 #include "settings/settings.h"
@@ -25,10 +23,6 @@ XlObject ViewOf(const std::unique_ptr<XlRef>& holder) {
 struct ReleaseEnumerator {
     void operator()(IEnumVARIANT* enumerator) const { enumerator->Release(); }
 };
-
-std::unique_ptr<XlRef> HolderOf(XlRef reference) {
-    return std::make_unique<XlRef>(std::move(reference));
-}
 
 }  // namespace
 
@@ -80,9 +74,9 @@ void BindWorkbook(IDispatch* workbook) {
     EngineState& state = Engine();
     state.workbook = std::make_unique<XlRef>();
     state.workbook->Attach(workbook);
-    state.wbsSheet = HolderOf(SheetByCodeName("wsWBS"));
-    state.settingsSheet = HolderOf(SheetByCodeName("wsSettings"));
-    state.resourceSheet = HolderOf(SheetByCodeName("wsResource"));
+    state.wbsSheet = std::make_unique<XlRef>(SheetByCodeName("wsWBS"));
+    state.settingsSheet = std::make_unique<XlRef>(SheetByCodeName("wsSettings"));
+    state.resourceSheet = std::make_unique<XlRef>(SheetByCodeName("wsResource"));
 }
 
 void ReleaseEngineObjects() {

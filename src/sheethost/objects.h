@@ -20,7 +20,7 @@ using SheetPtr = std::shared_ptr<Sheet>;
 IDispatch* NewApplicationObject(const BookPtr& book);
 IDispatch* NewWorkbookObject(const BookPtr& book);
 IDispatch* NewWorksheetObject(const BookPtr& book, const SheetPtr& sheet);
-// A range of one or more areas of a sheet (a union when more than one).
+// A range of one or more areas of a sheet (a union when more than one; no areas means A1).
 IDispatch* NewRangeObject(const BookPtr& book, const SheetPtr& sheet, std::vector<Area> areas);
 
 // The sheet and areas behind a Range object of this host; nullopt for any other object.

@@ -411,6 +411,11 @@ bool IsActiveSheet(const RangeSpan& span) {
     return book.activeSheet < book.sheets.size() && book.sheets[book.activeSheet] == span.sheet;
 }
 
+IDispatch* NewRangeObject(const BookPtr& book, const SheetPtr& sheet, std::vector<Area> areas) {
+    if (areas.empty()) areas.push_back(Area{});
+    return NewRange(RangeSpan{book, sheet, std::move(areas)});
+}
+
 IDispatch* NewRange(const RangeSpan& span, RangeMode mode) {
     return new RangeObject(span, mode);
 }

@@ -72,17 +72,6 @@ TEST(WorkbookFile, RefusesWhatItCannotReadWithTheFileNamed) {
     }
 }
 
-TEST(WorkbookFile, AJsonWorkbookSavedAsAPackageReadsBackTheSame) {
-    TemporaryFolder folder;
-    WriteText(folder / "in.json", kZeroUnitWorkbook);
-    const auto book = ReadWorkbookFile(folder / "in.json");
-    WriteWorkbookFile(*book, folder / "in.json", folder / "out.xlsx");
-    const auto again = ReadWorkbookFile(folder / "out.xlsx");
-    EXPECT_EQ(again->sheets.size(), 2u);
-    EXPECT_EQ(again->sheets[1]->codeName, "wsSettings");
-    EXPECT_EQ(sheethost::DumpWorkbookJson(*again), sheethost::DumpWorkbookJson(*book));
-}
-
 TEST(WorkbookFile, WritesNothingForAnUnknownFormat) {
     TemporaryFolder folder;
     const auto book = sheethost::NewWorkbook();

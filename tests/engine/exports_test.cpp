@@ -6,22 +6,20 @@
 #include <string>
 #include <vector>
 
-#include "calendar/calendar.h"
 #include "engine/clock.h"
 #include "engine/engine_state.h"
 #include "engine/messages.h"
+#include "engine/refresh.h"
 #include "engine/visible_rows.h"
 #include "settings/settings.h"
 #include "sheethost/dispatch_object.h"
-#include "sheethost/objects.h"
-#include "support/task_workbook.h"
+#include "support/project_json.h"
 #include "values/values.h"
 #include "wbs/task_table.h"
 
 namespace {
 
-using testsupport::EngineWorkbook;
-using testsupport::TaskWorkbook;
+using testsupport::ProjectJson;
 
 ULONG References(IDispatch* object) {
     object->AddRef();
@@ -110,8 +108,6 @@ TEST_F(BindingTest, MissingResourceSheetIsNotAnError) {
     AddSheet("Settings", "wsSettings");
     kpInit();
     EXPECT_EQ(SetWorkBook(), 0);
-    EXPECT_NE(Bound(Engine().wbsSheet), nullptr);
-    EXPECT_NE(Bound(Engine().settingsSheet), nullptr);
     EXPECT_EQ(Bound(Engine().resourceSheet), nullptr);
 }
 
@@ -156,10 +152,8 @@ TEST_F(BindingTest, InitStartsFreshAndQuitFreesTheState) {
     kpInit();
     EXPECT_EQ(EngineSettings().filterRows, "");
     EXPECT_EQ(Engine().workbook, nullptr);
-    EXPECT_EQ(EngineTasks().poolSize, 200);
     kpQuit();
     EXPECT_EQ(Engine().settings, nullptr);
-    EXPECT_EQ(Engine().calendarSettings, nullptr);
     EXPECT_EQ(Engine().tasks, nullptr);
     kpInit();
 }
@@ -179,106 +173,85 @@ TEST_F(BindingTest, SheetEventsReleaseTheTargetOnce) {
     target->Release();
 }
 
-// Tasks on rows 5..8 of the small project workbook.
+// Task rows from the first task row (12) down to `lastRow`.
 class VisibleRowsTest : public ::testing::Test {
   protected:
-    void AddTasks(int lastRow) {
-        for (int row = TaskWorkbook::kFirstTaskRow; row <= lastRow; ++row) {
-            project_.AddTask(row, 1, "Task on row " + std::to_string(row));
+    void Load(int lastRow) {
+        for (int row = ProjectJson::kFirstTaskRow; row <= lastRow; ++row) {
+            project_.Task(row, 1, "Task on row " + std::to_string(row));
         }
-    }
-
-    void Load() {
-        ASSERT_TRUE(project_.Bind());
+        project_.Bind();
+        ASSERT_TRUE(RefreshSettings());
         TaskTable_Load();
     }
 
-    std::vector<int> HiddenRows(int lastRow) const {
+    std::vector<int> HiddenRows() const {
         std::vector<int> hidden;
-        for (int row = 1; row <= lastRow + 1; ++row) {
-            if (project_.RowHidden(row)) {
+        for (const auto& [row, info] : project_.Host("WBS").rows) {
+            if (info.hidden) {
                 hidden.push_back(row);
             }
         }
         return hidden;
     }
 
-    std::string CellText(const char* name) {
+    static std::string SettingText(const char* name) {
         return EngineSettingsSheet().RangeOf(name).GetValue();
     }
 
-    TaskWorkbook project_;
+    ProjectJson project_;
 };
 
 TEST_F(VisibleRowsTest, KeysMatchWholeRowNumbers) {
-    AddTasks(60);
-    Load();
-    ApplyVisibleRows(",5,,7,");
-    std::vector<int> expected;
-    for (int row = 6; row <= 60; ++row) {
-        if (row != 7) {
-            expected.push_back(row);
-        }
-    }
-    EXPECT_EQ(HiddenRows(60), expected);
-
-    // Neither ",5" nor "7," may be taken for a row of ",57,".
-    ApplyVisibleRows(",57,");
-    EXPECT_TRUE(project_.RowHidden(5));
-    EXPECT_TRUE(project_.RowHidden(7));
-    EXPECT_FALSE(project_.RowHidden(57));
-    ApplyVisibleRows(",5,");
-    EXPECT_TRUE(project_.RowHidden(57));
-    EXPECT_FALSE(project_.RowHidden(5));
-
+    Load(120);
+    ApplyVisibleRows(",12,,14,");
+    EXPECT_FALSE(project_.RowHidden(12));
+    EXPECT_TRUE(project_.RowHidden(13));
+    EXPECT_FALSE(project_.RowHidden(14));
+    EXPECT_TRUE(project_.RowHidden(120));
+    // Neither ",12" nor "12," may be taken for a row of ",120," or ",112,".
+    ApplyVisibleRows(",120,,112,");
+    EXPECT_TRUE(project_.RowHidden(12));
+    EXPECT_FALSE(project_.RowHidden(112));
     ApplyVisibleRows("");
-    EXPECT_EQ(HiddenRows(60), std::vector<int>());
+    EXPECT_EQ(HiddenRows(), std::vector<int>());
+}
+
+TEST_F(VisibleRowsTest, TextListsTheVisibleRowsOnlyWhenSomeAreHidden) {
+    Load(15);
+    EXPECT_EQ(VisibleRowsText(), "");
+    project_.Host("WBS").rows[13].hidden = true;
+    project_.Host("WBS").rows[15].hidden = true;
+    EXPECT_EQ(VisibleRowsText(), ",12,,14,");
 }
 
 TEST_F(VisibleRowsTest, EmptyTableTouchesNoRow) {
-    project_.wbs.rows[5].hidden = true;
-    Load();
+    project_.HideRow(ProjectJson::kFirstTaskRow);
+    Load(0);
     ApplyVisibleRows("");
-    EXPECT_TRUE(project_.RowHidden(5));
+    EXPECT_TRUE(project_.RowHidden(ProjectJson::kFirstTaskRow));
 }
 
-TEST_F(VisibleRowsTest, TextListsVisibleRowsOnlyWhenSomeAreHidden) {
-    AddTasks(8);
-    Load();
-    EXPECT_EQ(VisibleRowsText(), "");
-    project_.wbs.rows[6].hidden = true;
-    project_.wbs.rows[8].hidden = true;
-    EXPECT_EQ(VisibleRowsText(), ",5,,7,");
+TEST_F(VisibleRowsTest, DrawingKeepsHandHiddenRowsAndReappliesTheFilter) {
+    project_.HideRow(13);
+    Load(15);
+    kpDrawGanntChart(1);
+    EXPECT_EQ(HiddenRows(), std::vector<int>{13});
+    EngineSettings().filterRows = ",13,,14,";
+    kpDrawGanntChart(1);
+    EXPECT_EQ(HiddenRows(), (std::vector<int>{12, 15}));
 }
 
 TEST_F(VisibleRowsTest, DrawCommandsWriteTheirSettingsCells) {
-    AddTasks(8);
-    Load();
+    Load(15);
     kpDrawGanntChart(-3);
-    EXPECT_EQ(CellText("GanntBarStyle"), "-3");
+    EXPECT_EQ(SettingText("GanntBarStyle"), "-3");
     kpDrawCalendar(0);
     kpDrawCalendar(-5);
-    EXPECT_EQ(CellText("CSCalendarUnit"), "60");
+    EXPECT_EQ(SettingText("CSCalendarUnit"), "60");
     kpDrawCalendar(30);
-    EXPECT_EQ(CellText("CSCalendarUnit"), "30");
+    EXPECT_EQ(SettingText("CSCalendarUnit"), "30");
     EXPECT_EQ(EngineCalendarSettings().CSCalendarUnit, 30);
-}
-
-TEST_F(VisibleRowsTest, DrawingWithoutAFilterLeavesHiddenRowsAlone) {
-    AddTasks(8);
-    project_.wbs.rows[6].hidden = true;
-    Load();
-    kpDrawGanntChart(1);
-    EXPECT_EQ(HiddenRows(8), std::vector<int>{6});
-}
-
-TEST_F(VisibleRowsTest, DrawingReappliesTheFilter) {
-    AddTasks(8);
-    project_.wbs.rows[5].hidden = true;
-    Load();
-    EngineSettings().filterRows = ",5,,7,";
-    kpDrawGanntChart(1);
-    EXPECT_EQ(HiddenRows(8), (std::vector<int>{6, 8}));
 }
 
 TEST(HostingExtrasTest, MessagesReachTheReceiverAsUtf16) {

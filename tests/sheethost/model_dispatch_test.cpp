@@ -190,7 +190,8 @@ TEST_F(DispatchTest, CountsCallsAndLogsMemberPaths) {
 }
 
 TEST_F(DispatchTest, ObjectsOutliveADeletedModelAndReportWhatIsStillHeld) {
-    Object cell = Get(Sheet("WBS").get(), OLESTR(".Range(%s)"), "B2");
+    Object cell = Object::Adopt(
+        sheethost::NewRangeObject(book, book->sheets.front(), {sheethost::Area{2, 2, 2, 2}}));
     const auto report = sheethost::LiveObjectReport();
     EXPECT_NE(std::find(report.begin(), report.end(), "Range WBS!$B$2 (1 references)"),
               report.end());

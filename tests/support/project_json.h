@@ -88,8 +88,10 @@ class ProjectJson {
 
     // Changes a named settings cell.
     void Setting(std::string_view name, nlohmann::json value) {
-        const std::string refersTo = json_["names"][std::string(name)];
-        Cells("Settings")[refersTo.substr(refersTo.find('!') + 1)] = std::move(value);
+        std::string address = json_["names"][std::string(name)];
+        address.erase(0, address.find('!') + 1);
+        std::erase(address, '$');
+        Cells("Settings")[address] = std::move(value);
     }
 
     void HideRow(int row) { Sheet("WBS")["rows"][std::to_string(row)] = {{"hidden", true}}; }
