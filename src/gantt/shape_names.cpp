@@ -8,6 +8,8 @@
 
 namespace {
 
+constexpr OLECHAR kFirstSurrogate = 0xD800;
+
 struct ReleaseEnumerator {
     void operator()(IEnumVARIANT* enumerator) const { enumerator->Release(); }
 };
@@ -39,15 +41,19 @@ std::vector<XlObject> ShapesNamedWith(std::string_view prefix) {
 void NameNewShape(const XlObject& shape, const TaskRecord& task, std::string_view base) {
     const std::string stem =
         (base.empty() ? BarTemplateName() : std::string(base)) + std::to_string(task.row);
-    // The letters run on past "Z" through the following character codes; a row never has that
-    // many shapes of one kind in practice, but no name is ever refused.
+    // The letters run on past "Z" through the following character codes, so no name is refused
+    // in practice. They stop before the surrogate range, where a single code unit is no longer a
+    // character: a host that answered every name would otherwise keep the search going forever,
+    // and the shape then keeps the name the host gave it.
     WideString candidate = Widen(stem);
     candidate.push_back(OLESTR('A'));
     const XlObject sheet = EngineWbsSheet();
-    while (!sheet.ShapeByName(Narrow(candidate)).IsNothing()) {
-        ++candidate.back();
+    for (; candidate.back() < kFirstSurrogate; ++candidate.back()) {
+        if (sheet.ShapeByName(Narrow(candidate)).IsNothing()) {
+            shape.SetString("Name", Narrow(candidate));
+            return;
+        }
     }
-    shape.SetString("Name", Narrow(candidate));
 }
 
 void DeleteShapesByPrefix(std::string_view prefix) {

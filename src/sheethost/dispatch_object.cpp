@@ -1,5 +1,6 @@
 #include "sheethost/dispatch_object.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <new>
 #include <set>
@@ -407,6 +408,8 @@ std::vector<std::string> LiveObjectReport() {
         report.push_back(object->Describe() + " (" + std::to_string(object->references_) +
                          " references)");
     }
+    // The live set is ordered by address, which differs from run to run and host to host.
+    std::sort(report.begin(), report.end());
     return report;
 }
 

@@ -137,7 +137,7 @@ class Invocation {
 // Diagnostics over all host objects of the process (the host is used from one thread at a time,
 // like the spreadsheet's own objects).
 long LiveObjectCount();
-// One line per live object: what it stands for and its reference count.
+// One line per live object, sorted: what it stands for and its reference count.
 std::vector<std::string> LiveObjectReport();
 // IDispatch::Invoke calls received since the last reset.
 long CallCount();

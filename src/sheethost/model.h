@@ -196,7 +196,7 @@ struct Sheet {
     std::map<int, ColumnInfo> columns;
     std::vector<DefinedName> names;  // names local to this sheet
     // The selection as areas, and the active cell.
-    std::vector<Area> selection{Area{}};
+    std::vector<Area> selection = std::vector<Area>(1);
     CellRef activeCell;
     int zoom = 100;                              // of the window showing this sheet
     std::vector<std::shared_ptr<Shape>> shapes;  // in z-order, back to front

@@ -2,6 +2,7 @@
 
 #include "sheethost/address.h"
 #include "sheethost/range_object.h"
+#include "sheethost/shape_objects.h"
 #include "sheethost/sheet_edit.h"
 
 namespace sheethost {
@@ -111,7 +112,11 @@ void UsedRange(WorksheetObject& ws, Invocation& call) {
 }
 
 void Shapes(WorksheetObject& ws, Invocation& call) {
-    call.ReturnObject(NewShapesObject(ws.book, ws.sheet));
+    ReturnItemOrCollection(call, NewShapesObject(ws.book, ws.sheet));
+}
+
+void ChartObjects(WorksheetObject& ws, Invocation& call) {
+    ReturnItemOrCollection(call, NewChartObjectsObject(ws.book, ws.sheet));
 }
 
 void Activate(WorksheetObject& ws, Invocation& call) {
@@ -167,6 +172,7 @@ const MemberTable<WorksheetObject>& WorksheetObject::Members() {
         {"Range", members::Range},
         {"UsedRange", members::UsedRange},
         {"Shapes", members::Shapes},
+        {"ChartObjects", members::ChartObjects},
         {"Activate", members::Activate},
         {"Select", members::Select},
         {"Paste", members::Paste},

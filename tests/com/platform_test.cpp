@@ -33,7 +33,16 @@ TEST(Com, InitialisesOncePerThreadAndFindsNoUnknownClass) {
     CLSID clsid;
     EXPECT_EQ(CLSIDFromProgID(OLESTR("Vantora.NoSuchClass"), &clsid), CO_E_CLASSSTRING);
     IUnknown* running = reinterpret_cast<IUnknown*>(1);
-    EXPECT_EQ(GetActiveObject(IID_IDispatch, nullptr, &running), MK_E_UNAVAILABLE);
+    const HRESULT active = GetActiveObject(IID_IDispatch, nullptr, &running);
+#ifdef _WIN32
+    // The running object table lives in a system service, which a fresh Wine prefix may not have
+    // started: then the call fails for that reason instead.
+    EXPECT_TRUE(active == MK_E_UNAVAILABLE ||
+                active == HRESULT_FROM_WIN32(RPC_S_SERVER_UNAVAILABLE))
+        << std::hex << active;
+#else
+    EXPECT_EQ(active, MK_E_UNAVAILABLE);
+#endif
     EXPECT_EQ(running, nullptr);
     void* created = reinterpret_cast<void*>(1);
     EXPECT_EQ(CoCreateInstance(IID_IDispatch, nullptr, CLSCTX_SERVER, IID_IDispatch, &created),

@@ -60,9 +60,12 @@ class ProjectJson {
     static constexpr double kDay1 = 45383;
     static constexpr double kDay2 = 45384;
 
-    ProjectJson() : json_(nlohmann::json::parse(kBaseProject)) {
-        Messages().clear();
+    ProjectJson() : ProjectJson(nlohmann::json::parse(kBaseProject)) {
         PinNow(kDay1 + 0.5);  // 1 April 2024, noon
+    }
+    // Another workbook, such as the sample, with the same helpers.
+    explicit ProjectJson(nlohmann::json workbook) : json_(std::move(workbook)) {
+        Messages().clear();
     }
     ~ProjectJson() { PinNow(0); }
     ProjectJson(const ProjectJson&) = delete;

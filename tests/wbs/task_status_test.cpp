@@ -35,8 +35,9 @@ class StatusProject : public ::testing::Test {
     explicit StatusProject(bool withTemplates = true) {
         if (withTemplates) project.AddStatusTemplates();
         project.Task(12, 1, "Plan");
-        // A summary with a violated link gets both the frame and its level's colour.
-        project.Task(13, 2, "Phase", {{"H", "Late"}});
+        // A summary with a violated link gets both the frame and its level's colour. The link names
+        // the WBS number: a task code is only known once the pass has read that task's row.
+        project.Task(13, 2, "Phase", {{"H", "1.1.1FS"}});
         // 0 % of 180 elapsed minutes: behind schedule, and also in its first half.
         Leaf(14, 3, "Late", k0900, k1700, 0);
         // 80 % of 300 planned minutes, 240 elapsed: on time, in its last half.
@@ -48,7 +49,7 @@ class StatusProject : public ::testing::Test {
         // Complete by its actual end, with a violated link; and complete by its percentage.
         project.Task(
             19, 2, "Done",
-            {{"C", "AL"}, {"H", "Late"}, {"P", k0800}, {"D", k0900}, {"E", k0800}, {"X", k0900}});
+            {{"C", "AL"}, {"H", "LateFS"}, {"P", k0800}, {"D", k0900}, {"E", k0800}, {"X", k0900}});
         Leaf(20, 2, "Also done", k0800, k0900, 100);
         // A marker left on a row by an earlier run, where no marker belongs now.
         project.Shapes("WBS").push_back({{"name", "TaskStatus17"}, {"left", 1}, {"width", 5}});

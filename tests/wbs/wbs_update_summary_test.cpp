@@ -32,7 +32,10 @@ class SummaryProject : public ::testing::Test {
     SummaryProject() {
         project.Task(12, 1, "Build");
         project.Task(13, 2, "Design");
-        project.Task(14, 3, "Sketch", {{"C", "AL"}, {"P", k0900}, {"D", k1100}, {"J", 50}});
+        // Its planned minutes as an earlier update left them: the status colouring reads the row
+        // before the pass writes them, so a first run would otherwise see no planned value.
+        project.Task(14, 3, "Sketch",
+                     {{"C", "AL"}, {"P", k0900}, {"D", k1100}, {"F", 120}, {"J", 50}});
         // An empty resource cell, and an actual span: AC and 100 percent are written.
         project.Task(15, 2, "Code", {{"P", k1200}, {"D", k1500}, {"E", k1200}, {"X", k1400}});
         project.Task(16, 1, "Test");

@@ -1,0 +1,61 @@
+#!/usr/bin/env python3
+"""Writes a variant of a JSON workbook for the DLL scenarios, so that every variant follows the
+sample as it changes:
+
+    derive_workbook.py VARIANT SOURCE.json TARGET.json
+
+  as-is            the workbook unchanged
+  no-templates     no template shapes on any sheet: the engine's built-in looks must stand in
+  hidden-rows      the finished tasks hidden by hand, as a user filters the plan down to open work
+  no-resource-sheet  the resource sheet removed: binding leaves its reference null
+"""
+import json
+import sys
+
+
+def sheet_with_code(book, code_name):
+    return next(sheet for sheet in book["sheets"] if sheet.get("codeName") == code_name)
+
+
+def no_templates(book):
+    for sheet in book["sheets"]:
+        sheet["shapes"] = []
+
+
+def hidden_rows(book):
+    wbs = sheet_with_code(book, "wsWBS")
+    rows = {}
+    # Row ranges such as "5:44" become single rows, so that some of them can be hidden.
+    for key, info in wbs.get("rows", {}).items():
+        first, _, last = key.partition(":")
+        for row in range(int(first), int(last or first) + 1):
+            rows[str(row)] = dict(info)
+    for row in (7, 8, 9, 11, 12, 13, 15, 16, 17, 20, 24):
+        rows.setdefault(str(row), {})["hidden"] = True
+    wbs["rows"] = rows
+
+
+def no_resource_sheet(book):
+    book["sheets"] = [s for s in book["sheets"] if s.get("codeName") != "wsResource"]
+
+
+VARIANTS = {
+    "as-is": lambda book: None,
+    "no-templates": no_templates,
+    "hidden-rows": hidden_rows,
+    "no-resource-sheet": no_resource_sheet,
+}
+
+
+def main():
+    if len(sys.argv) != 4 or sys.argv[1] not in VARIANTS:
+        sys.exit(__doc__)
+    with open(sys.argv[2], encoding="utf-8") as source:
+        book = json.load(source)
+    VARIANTS[sys.argv[1]](book)
+    with open(sys.argv[3], "w", encoding="utf-8") as target:
+        json.dump(book, target, indent=1)
+
+
+if __name__ == "__main__":
+    main()
