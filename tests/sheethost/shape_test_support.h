@@ -6,7 +6,6 @@
 #include <gtest/gtest.h>
 
 #include <cstdarg>
-#include <limits>
 #include <memory>
 #include <string>
 
@@ -15,34 +14,20 @@
 #include "sheethost/model.h"
 #include "sheethost/objects.h"
 #include "sheethost/shape_objects.h"
+#include "support/host_calls.h"
 #include "workbook/automation.h"
 
 namespace drawingtest {
 
-using sheethost::ComRef;
-using Object = ComRef<IDispatch>;
+using hosttest::Call;
+using hosttest::Get;
+using hosttest::LastDescription;
+using hosttest::Number;
+using hosttest::Object;
+using hosttest::Put;
 
-// A get of an object; empty when the call fails.
-inline Object Get(IDispatch* object, const OLECHAR* path, ...) {
-    va_list arguments;
-    va_start(arguments, path);
-    IDispatch* result = nullptr;
-    automation::GetValueV(OLESTR("%o"), &result, object, path, arguments);
-    va_end(arguments);
-    return Object::Adopt(result);
-}
-
-// A get of a number; NaN when the call fails.
-inline double Number(IDispatch* object, const OLECHAR* path, ...) {
-    va_list arguments;
-    va_start(arguments, path);
-    double result = std::numeric_limits<double>::quiet_NaN();
-    automation::GetValueV(OLESTR("%e"), &result, object, path, arguments);
-    va_end(arguments);
-    return result;
-}
-
-// A get of a text; "<failed>" when the call fails.
+// A get of a text as a wide string turned into UTF-8, so that shape texts outside the narrow
+// code page survive; "<failed>" when the call fails.
 inline std::string Text(IDispatch* object, const OLECHAR* path, ...) {
     va_list arguments;
     va_start(arguments, path);
@@ -53,28 +38,6 @@ inline std::string Text(IDispatch* object, const OLECHAR* path, ...) {
     std::string text = NarrowBstr(result);
     SysFreeString(result);
     return text;
-}
-
-inline HRESULT Put(IDispatch* object, const OLECHAR* path, ...) {
-    va_list arguments;
-    va_start(arguments, path);
-    const HRESULT hr = automation::PutValueV(object, path, arguments);
-    va_end(arguments);
-    return hr;
-}
-
-inline HRESULT Call(IDispatch* object, const OLECHAR* path, ...) {
-    va_list arguments;
-    va_start(arguments, path);
-    const HRESULT hr = automation::CallMethodV(object, path, arguments);
-    va_end(arguments);
-    return hr;
-}
-
-// The description the host gave with the last refused call.
-inline std::string LastDescription() {
-    const automation::ErrorRecord* record = automation::LastError();
-    return record == nullptr ? std::string() : NarrowBstr(record->description);
 }
 
 class DrawingTest : public ::testing::Test {
