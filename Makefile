@@ -1,7 +1,7 @@
 # The two commands of the project: `make demo` and `make test`. Both install what is missing first.
 JOBS ?= $(shell nproc)
 
-.PHONY: demo test deps native windows format
+.PHONY: demo test bench deps native windows format
 
 deps:
 	@./scripts/install-deps
@@ -20,6 +20,12 @@ test: native windows
 
 demo: native
 	@./scripts/demo build
+
+# Speed and memory of the WBS update and the workbook files, on an optimised build without sanitizers.
+bench: deps
+	@cmake -S . -B build-bench -DCMAKE_BUILD_TYPE=Release -DVANTORA_TESTS=OFF >/dev/null
+	@cmake --build build-bench --target update_wbs_bench -j$(JOBS)
+	@build-bench/update_wbs_bench examples/sample.json
 
 format:
 	@git ls-files '*.h' '*.cpp' | xargs clang-format -i

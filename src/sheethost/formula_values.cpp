@@ -108,7 +108,7 @@ std::string NumberDisplayText(double number) {
     if (exponent >= 15 || exponent < -9) {
         text += digits[0];
         if (digits.size() > 1) text += "." + digits.substr(1);
-        std::array<char, 8> power{};
+        std::array<char, 16> power{};  // room for any int, as the compiler checks
         std::snprintf(power.data(), power.size(), "E%c%02d", exponent < 0 ? '-' : '+',
                       std::abs(exponent));
         return text + power.data();

@@ -103,11 +103,13 @@ double ColumnWidthPoints(const Sheet& sheet, int column) {
 
 namespace {
 
+double HeightOf(const RowInfo& info) {
+    return info.hidden ? 0 : info.height.value_or(kStandardRowHeight);
+}
+
 double HeightIn(const std::map<int, RowInfo>& rows, int row) {
     const auto found = rows.find(row);
-    if (found == rows.end()) return kStandardRowHeight;
-    if (found->second.hidden) return 0;
-    return found->second.height.value_or(kStandardRowHeight);
+    return found == rows.end() ? kStandardRowHeight : HeightOf(found->second);
 }
 
 }  // namespace
@@ -128,7 +130,7 @@ double ColumnLeft(const Sheet& sheet, int column) {
 double RowTopIn(const std::map<int, RowInfo>& rows, int row) {
     double top = (row - 1) * kStandardRowHeight;
     for (auto it = rows.begin(); it != rows.end() && it->first < row; ++it) {
-        top += HeightIn(rows, it->first) - kStandardRowHeight;
+        top += HeightOf(it->second) - kStandardRowHeight;
     }
     return top;
 }

@@ -62,7 +62,7 @@ void ChangeRows(const RangeSpan& span, Change change, bool missingToo = true) {
         }
         for (int row = area.top; row <= area.bottom; ++row) change(rows[row]);
     }
-    NormalizeLineInfos(*span.sheet);
+    for (const Area& area : span.areas) NormalizeRowInfos(*span.sheet, area.top, area.bottom);
 }
 
 template <class Change>
@@ -78,7 +78,7 @@ void ChangeColumns(const RangeSpan& span, Change change, bool missingToo = true)
         }
         for (int column = area.left; column <= area.right; ++column) change(columns[column]);
     }
-    NormalizeLineInfos(*span.sheet);
+    for (const Area& area : span.areas) NormalizeColumnInfos(*span.sheet, area.left, area.right);
 }
 
 // The width in pixels a cell's shown text needs in its font: digits and Latin letters take about
@@ -124,8 +124,8 @@ void FitColumns(const RangeSpan& span) {
                 info->second.width.reset();  // an empty column falls back to the standard width
             }
         }
+        NormalizeColumnInfos(*span.sheet, area.left, area.right);
     }
-    NormalizeLineInfos(*span.sheet);
 }
 
 void FitRows(const RangeSpan& span) {
@@ -153,8 +153,8 @@ void FitRows(const RangeSpan& span) {
                 span.sheet->rows[row].height.reset();
             }
         }
+        NormalizeRowInfos(*span.sheet, area.top, area.bottom);
     }
-    NormalizeLineInfos(*span.sheet);
 }
 
 bool SingleRowsArea(const RangeSpan& span) {

@@ -6,15 +6,29 @@
 
 namespace sheethost {
 
+namespace {
+
+template <class Info>
+void NormalizeInfos(std::map<int, Info>& infos, int first, int last) {
+    for (auto it = infos.lower_bound(first); it != infos.end() && it->first <= last;) {
+        if (it->second.style == Style{}) it->second.style.reset();
+        it = it->second == Info{} ? infos.erase(it) : std::next(it);
+    }
+}
+
+}  // namespace
+
+void NormalizeRowInfos(Sheet& sheet, int top, int bottom) {
+    NormalizeInfos(sheet.rows, top, bottom);
+}
+
+void NormalizeColumnInfos(Sheet& sheet, int left, int right) {
+    NormalizeInfos(sheet.columns, left, right);
+}
+
 void NormalizeLineInfos(Sheet& sheet) {
-    for (auto& [row, info] : sheet.rows) {
-        if (info.style == Style{}) info.style.reset();
-    }
-    for (auto& [column, info] : sheet.columns) {
-        if (info.style == Style{}) info.style.reset();
-    }
-    std::erase_if(sheet.rows, [](const auto& entry) { return entry.second == RowInfo{}; });
-    std::erase_if(sheet.columns, [](const auto& entry) { return entry.second == ColumnInfo{}; });
+    NormalizeRowInfos(sheet, 1, kMaxRow);
+    NormalizeColumnInfos(sheet, 1, kMaxColumn);
 }
 
 namespace {
@@ -127,8 +141,9 @@ void ChangeStyle(Sheet& sheet, const std::vector<Area>& areas,
         } else {
             ChangeBlock(sheet, area, change);
         }
+        NormalizeRowInfos(sheet, area.top, area.bottom);
+        NormalizeColumnInfos(sheet, area.left, area.right);
     }
-    NormalizeLineInfos(sheet);
 }
 
 void ClearContents(Sheet& sheet, const std::vector<Area>& areas) {

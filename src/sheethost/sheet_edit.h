@@ -20,7 +20,10 @@ void ChangeStyle(Sheet& sheet, const std::vector<Area>& areas,
                  const std::function<void(Style&)>& change);
 
 // A row or column format equal to the default is no format, and an entry that holds nothing is
-// dropped, so that equal sheets have equal records.
+// dropped, so that equal sheets have equal records. The scoped forms look only at the entries of
+// the rows (or columns) a change touched, so that a change row by row stays linear in the rows.
+void NormalizeRowInfos(Sheet& sheet, int top, int bottom);
+void NormalizeColumnInfos(Sheet& sheet, int left, int right);
 void NormalizeLineInfos(Sheet& sheet);
 
 void ClearContents(Sheet& sheet, const std::vector<Area>& areas);
