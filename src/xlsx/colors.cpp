@@ -84,6 +84,11 @@ std::optional<std::uint32_t> ReadColor(const pugi::xml_node& element) {
     return std::nullopt;
 }
 
+std::uint32_t ThemeColorRgb(int index) {
+    if (index < 0 || index >= static_cast<int>(kThemeColors.size())) return 0;
+    return kThemeColors[static_cast<std::size_t>(index)];
+}
+
 std::string ArgbText(std::uint32_t rgb) {
     char text[9];
     std::snprintf(text, sizeof text, "FF%06X", static_cast<unsigned>(rgb & 0xFFFFFF));

@@ -20,6 +20,10 @@ std::uint32_t ColorLongToRgb(std::int32_t color);
 // auto="1", the system colours, or the theme's dark text colour the default font uses).
 std::optional<std::uint32_t> ReadColor(const pugi::xml_node& element);
 
+// 0xRRGGBB of the default office theme's colour `index` in the order theme="n" counts (light 1,
+// dark 1, light 2, dark 2, accents 1 to 6, hyperlink, followed hyperlink); black out of range.
+std::uint32_t ThemeColorRgb(int index);
+
 // "FF" + RRGGBB, as the rgb attribute holds it.
 std::string ArgbText(std::uint32_t rgb);
 

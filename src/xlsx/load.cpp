@@ -2,6 +2,8 @@
 #include <memory>
 
 #include "sheethost/model.h"
+#include "xlsx/conditional_formats.h"
+#include "xlsx/drawing.h"
 #include "xlsx/package.h"
 #include "xlsx/sheet_read.h"
 #include "xlsx/styles.h"
@@ -59,6 +61,8 @@ std::shared_ptr<sheethost::Workbook> LoadXlsx(const std::filesystem::path& file)
         auto sheet = std::make_shared<sheethost::Sheet>();
         sheet->name = entry.name;
         ReadWorksheet(sheetDocument.document_element(), sharedStrings, styles, *sheet);
+        ReadConditionalFormats(sheetDocument.document_element(), styles, *sheet);
+        ReadDrawing(package, entry.part, sheetDocument.document_element(), *sheet);
         worksheetOfTab.push_back(static_cast<int>(book->sheets.size()));
         book->sheets.push_back(std::move(sheet));
     }

@@ -1,6 +1,7 @@
 // Package structure: relationships between parts and the content types of parts.
 #pragma once
 
+#include <pugixml.hpp>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -19,8 +20,16 @@ inline constexpr std::string_view kSharedStringsType =
     "http://schemas.openxmlformats.org/officeDocument/2006/relationships/sharedStrings";
 inline constexpr std::string_view kCalcChainType =
     "http://schemas.openxmlformats.org/officeDocument/2006/relationships/calcChain";
+inline constexpr std::string_view kDrawingType =
+    "http://schemas.openxmlformats.org/officeDocument/2006/relationships/drawing";
+inline constexpr std::string_view kChartType =
+    "http://schemas.openxmlformats.org/officeDocument/2006/relationships/chart";
 inline constexpr std::string_view kWorksheetContentType =
     "application/vnd.openxmlformats-officedocument.spreadsheetml.worksheet+xml";
+inline constexpr std::string_view kDrawingContentType =
+    "application/vnd.openxmlformats-officedocument.drawing+xml";
+inline constexpr std::string_view kChartContentType =
+    "application/vnd.openxmlformats-officedocument.drawingml.chart+xml";
 
 struct Relationship {
     std::string id;
@@ -37,5 +46,46 @@ std::string ResolveTarget(std::string_view partName, std::string_view target);
 std::vector<Relationship> ReadRelationships(const Package& package, std::string_view partName);
 const Relationship* FindByType(const std::vector<Relationship>& relationships,
                                std::string_view type);
+
+// The first free part name of the pattern "xl/drawings/drawing" + N + ".xml".
+std::string FreePartName(const Package& package, std::string_view stem, std::string_view extension);
+
+// The content types of a package, edited in memory and stored back by Store().
+class ContentTypes {
+  public:
+    // Throws XlsxError when the package has none.
+    explicit ContentTypes(Package& package);
+    void Override(const std::string& partName, std::string_view contentType);
+    void Remove(const std::string& partName);
+    void Store();
+
+  private:
+    Package& package_;
+    pugi::xml_document document_;
+};
+
+// The relationships of one part, edited in memory and stored back by Store().
+class PartRelationships {
+  public:
+    PartRelationships(Package& package, std::string sourcePart);
+    // Relates a part to the source part; answers the new relationship's id.
+    std::string Add(std::string_view type, const std::string& targetPart);
+    // The part the relationship `id` targets; empty when there is none or it is external.
+    std::string TargetOf(std::string_view id) const;
+    std::vector<std::string> Ids() const;
+    void Remove(std::string_view id);
+    // Removes the relationships that target the part.
+    void RemoveTarget(const std::string& targetPart);
+    // Stores the relationships, or removes their part when none is left.
+    void Store();
+
+  private:
+    Package& package_;
+    std::string sourcePart_;
+    pugi::xml_document document_;
+};
+
+// Drops a part with its own relationships and content type.
+void RemovePart(Package& package, ContentTypes& types, const std::string& partName);
 
 }  // namespace xlsx

@@ -5,6 +5,8 @@
 #include <set>
 #include <string_view>
 
+#include "xlsx/conditional_formats.h"
+#include "xlsx/drawing.h"
 #include "xlsx/opc.h"
 #include "xlsx/package.h"
 #include "xlsx/sheet_write.h"
@@ -47,77 +49,33 @@ Package NewPackage() {
     return package;
 }
 
-// The package's relationships of one part and its content types, edited as the saved sheets
+// The workbook part's relationships and the package's content types, edited as the saved sheets
 // require.
-class PackageEditor {
-  public:
-    PackageEditor(Package& package, std::string workbookPart)
-        : package_(package), workbookPart_(std::move(workbookPart)) {
-        Load(
-            relationships_, RelationshipsPartName(workbookPart_),
-            R"(<Relationships xmlns="http://schemas.openxmlformats.org/package/2006/relationships"/>)");
-        Load(contentTypes_, "[Content_Types].xml", nullptr);
-    }
+struct WorkbookEditor {
+    WorkbookEditor(Package& package, const std::string& workbookPart)
+        : package(package), relationships(package, workbookPart) {}
 
     // Adds a part related to the workbook; answers the relationship id.
     std::string AddPart(const std::string& partName, std::string_view type,
                         std::string_view contentType) {
-        pugi::xml_node root = relationships_.document_element();
-        int next = 1;
-        std::set<std::string, std::less<>> taken;
-        for (pugi::xml_node node : Children(root, "Relationship")) {
-            taken.insert(node.attribute("Id").value());
-        }
-        while (taken.contains("rId" + std::to_string(next))) ++next;
-        const std::string id = "rId" + std::to_string(next);
-        pugi::xml_node node = root.append_child(QualifiedName(root, "Relationship").c_str());
-        node.append_attribute("Id").set_value(id.c_str());
-        node.append_attribute("Type").set_value(std::string(type).c_str());
-        node.append_attribute("Target").set_value(("/" + partName).c_str());
-        pugi::xml_node types = contentTypes_.document_element();
-        pugi::xml_node override = types.append_child(QualifiedName(types, "Override").c_str());
-        override.append_attribute("PartName").set_value(("/" + partName).c_str());
-        override.append_attribute("ContentType").set_value(std::string(contentType).c_str());
-        return id;
+        types.Override(partName, contentType);
+        return relationships.Add(type, partName);
     }
 
     // Drops a part the workbook no longer uses, with its relationships and content type.
-    void RemovePart(const std::string& partName) {
-        package_.Remove(partName);
-        package_.Remove(RelationshipsPartName(partName));
-        for (pugi::xml_node node : Children(relationships_.document_element(), "Relationship")) {
-            if (std::string_view(node.attribute("TargetMode").value()) != "External" &&
-                ResolveTarget(workbookPart_, node.attribute("Target").value()) == partName) {
-                relationships_.document_element().remove_child(node);
-            }
-        }
-        for (pugi::xml_node node : Children(contentTypes_.document_element(), "Override")) {
-            if (node.attribute("PartName").value() == "/" + partName) {
-                contentTypes_.document_element().remove_child(node);
-            }
-        }
+    void DropPart(const std::string& partName) {
+        RemovePart(package, types, partName);
+        relationships.RemoveTarget(partName);
     }
 
     void Store() {
-        package_.Put(RelationshipsPartName(workbookPart_), SerializeXml(relationships_));
-        package_.Put("[Content_Types].xml", SerializeXml(contentTypes_));
+        relationships.Store();
+        types.Store();
     }
 
-  private:
-    void Load(pugi::xml_document& document, const std::string& partName, const char* empty) {
-        if (const Part* part = package_.Find(partName)) {
-            ParseXml(document, part->bytes, partName);
-        } else if (empty != nullptr) {
-            document.load_string(empty);
-        } else {
-            throw XlsxError("the workbook is corrupt: it has no " + partName);
-        }
-    }
-
-    Package& package_;
-    std::string workbookPart_;
-    pugi::xml_document relationships_;
-    pugi::xml_document contentTypes_;
+    Package& package;
+    ContentTypes types{package};
+    PartRelationships relationships;
 };
 
 // A worksheet of the source package and the document it was parsed into.
@@ -157,13 +115,6 @@ SourceSheet* MatchSource(std::vector<SourceSheet>& sources, const sheethost::She
         if (!source.used && CodeNameOf(*source.document) == sheet.codeName) return &source;
     }
     return nullptr;
-}
-
-std::string NewSheetPartName(const Package& package) {
-    for (int number = 1;; ++number) {
-        std::string name = "xl/worksheets/sheet" + std::to_string(number) + ".xml";
-        if (package.Find(name) == nullptr) return name;
-    }
 }
 
 SharedStringIndex IndexSharedStrings(const Package& package, const std::string& part) {
@@ -247,7 +198,7 @@ void SaveXlsx(const sheethost::Workbook& book, const std::filesystem::path& sour
     Package package = source.empty() ? NewPackage() : ReadPackage(source);
     pugi::xml_document workbookDocument;
     WorkbookParts parts = LocateParts(package, workbookDocument);
-    PackageEditor editor(package, parts.workbookPart);
+    WorkbookEditor editor(package, parts.workbookPart);
 
     pugi::xml_document stylesDocument;
     if (const Part* styles = package.Find(parts.stylesPart)) {
@@ -290,7 +241,7 @@ void SaveXlsx(const sheethost::Workbook& book, const std::filesystem::path& sour
             element = newList.append_copy(source->entry->node);
         } else {
             fresh.load_string(kEmptyWorksheet);
-            partName = NewSheetPartName(package);
+            partName = FreePartName(package, "xl/worksheets/sheet", ".xml");
             const std::string id = editor.AddPart(partName, kWorksheetType, kWorksheetContentType);
             element = newList.append_child(QualifiedName(sheetsNode, "sheet").c_str());
             element.append_attribute("name");
@@ -302,6 +253,8 @@ void SaveXlsx(const sheethost::Workbook& book, const std::filesystem::path& sour
         pugi::xml_document& document = source != nullptr ? *source->document : fresh;
         WriteWorksheet(document.document_element(), sheet, styles, sharedStrings,
                        tab == book.activeSheet);
+        WriteConditionalFormats(document.document_element(), styles, sheet);
+        WriteDrawing(package, editor.types, partName, document.document_element(), sheet);
         package.Put(partName, SerializeXml(document));
     }
     // Sheets that are not worksheets stay, after the worksheets; worksheets the host deleted go.
@@ -309,7 +262,7 @@ void SaveXlsx(const sheethost::Workbook& book, const std::filesystem::path& sour
         if (entry.part.empty()) newList.append_copy(entry.node);
     }
     for (const SourceSheet& source : sources) {
-        if (!source.used) editor.RemovePart(source.entry->part);
+        if (!source.used) editor.DropPart(source.entry->part);
     }
     while (sheetsNode.first_child()) sheetsNode.remove_child(sheetsNode.first_child());
     for (pugi::xml_node node : newList.children()) sheetsNode.append_copy(node);
@@ -325,7 +278,7 @@ void SaveXlsx(const sheethost::Workbook& book, const std::filesystem::path& sour
     calcPr.remove_attribute("fullCalcOnLoad");
     calcPr.append_attribute("fullCalcOnLoad").set_value(1);
     for (const Relationship& relationship : parts.relationships) {
-        if (relationship.type == kCalcChainType) editor.RemovePart(relationship.target);
+        if (relationship.type == kCalcChainType) editor.DropPart(relationship.target);
     }
 
     package.Put(parts.workbookPart, SerializeXml(workbookDocument));

@@ -13,9 +13,6 @@
 namespace xlsx {
 namespace {
 
-constexpr std::array<std::string_view, 6> kLeadingOrder{"sheetPr",       "dimension", "sheetViews",
-                                                        "sheetFormatPr", "cols",      "sheetData"};
-
 std::string NumberText(double value) {
     std::array<char, 32> text{};
     const auto result = std::to_chars(text.data(), text.data() + text.size(), value);
@@ -39,7 +36,7 @@ class WorksheetWriter {
     void WriteColumns(pugi::xml_node worksheet) {
         if (pugi::xml_node cols = Child(worksheet, "cols")) worksheet.remove_child(cols);
         if (sheet_.columns.empty()) return;
-        pugi::xml_node cols = EnsureChild(worksheet, "cols", kLeadingOrder);
+        pugi::xml_node cols = EnsureChild(worksheet, "cols", kWorksheetOrder);
         // Neighbouring columns alike share one <col> element.
         auto run = sheet_.columns.begin();
         while (run != sheet_.columns.end()) {
@@ -153,7 +150,7 @@ void WriteCodeName(pugi::xml_node worksheet, const std::string& codeName) {
         Child(worksheet, "sheetPr").remove_attribute("codeName");
         return;
     }
-    pugi::xml_node sheetPr = EnsureChild(worksheet, "sheetPr", kLeadingOrder);
+    pugi::xml_node sheetPr = EnsureChild(worksheet, "sheetPr", kWorksheetOrder);
     pugi::xml_attribute attribute = sheetPr.attribute("codeName");
     if (!attribute) attribute = sheetPr.prepend_attribute("codeName");
     attribute.set_value(codeName.c_str());
@@ -176,7 +173,7 @@ void WriteWorksheet(pugi::xml_node worksheet, const sheethost::Sheet& sheet, Sty
     MarkTabSelected(worksheet, active);
     WorksheetWriter writer(sheet, styles, sharedStrings);
     writer.WriteColumns(worksheet);
-    writer.WriteRows(EnsureChild(worksheet, "sheetData", kLeadingOrder));
+    writer.WriteRows(EnsureChild(worksheet, "sheetData", kWorksheetOrder));
 }
 
 }  // namespace xlsx

@@ -1,9 +1,11 @@
 // A host sheet written into a worksheet part, keeping the elements the host does not model.
 #pragma once
 
+#include <array>
 #include <map>
 #include <pugixml.hpp>
 #include <string>
+#include <string_view>
 
 #include "sheethost/model.h"
 #include "xlsx/styles.h"
@@ -13,6 +15,47 @@ namespace xlsx {
 // The shared-string table of the source package: texts already there are written by index so
 // that their rich text survives; other texts are written inline.
 using SharedStringIndex = std::map<std::string, int, std::less<>>;
+
+// The children of <worksheet> in the order the file format requires.
+inline constexpr std::array<std::string_view, 39> kWorksheetOrder{"sheetPr",
+                                                                  "dimension",
+                                                                  "sheetViews",
+                                                                  "sheetFormatPr",
+                                                                  "cols",
+                                                                  "sheetData",
+                                                                  "sheetCalcPr",
+                                                                  "sheetProtection",
+                                                                  "protectedRanges",
+                                                                  "scenarios",
+                                                                  "autoFilter",
+                                                                  "sortState",
+                                                                  "dataConsolidate",
+                                                                  "customSheetViews",
+                                                                  "mergeCells",
+                                                                  "phoneticPr",
+                                                                  "conditionalFormatting",
+                                                                  "dataValidations",
+                                                                  "hyperlinks",
+                                                                  "printOptions",
+                                                                  "pageMargins",
+                                                                  "pageSetup",
+                                                                  "headerFooter",
+                                                                  "rowBreaks",
+                                                                  "colBreaks",
+                                                                  "customProperties",
+                                                                  "cellWatches",
+                                                                  "ignoredErrors",
+                                                                  "smartTags",
+                                                                  "drawing",
+                                                                  "legacyDrawing",
+                                                                  "legacyDrawingHF",
+                                                                  "drawingHF",
+                                                                  "picture",
+                                                                  "oleObjects",
+                                                                  "controls",
+                                                                  "webPublishItems",
+                                                                  "tableParts",
+                                                                  "extLst"};
 
 inline constexpr const char* kEmptyWorksheet =
     R"(<worksheet xmlns="http://schemas.openxmlformats.org/spreadsheetml/2006/main" )"

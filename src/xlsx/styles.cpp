@@ -237,6 +237,18 @@ StyleSheet::StyleSheet(pugi::xml_document& document) {
                    ? list[static_cast<std::size_t>(index)]
                    : Item{};
     };
+    for (pugi::xml_node node : Children(Child(root_, "dxfs"), "dxf")) {
+        Differential look;
+        if (pugi::xml_node color = Child(Child(node, "font"), "color"); ReadColor(color)) {
+            look.fontColorIndex = ColorIndexOf(color);
+        }
+        // A differential fill gives its solid colour as the background colour.
+        pugi::xml_node pattern = Child(Child(node, "fill"), "patternFill");
+        if (pugi::xml_node color = Child(pattern, "bgColor"); ReadColor(color)) {
+            look.interiorColorIndex = ColorIndexOf(color);
+        }
+        differentials_.push_back(look);
+    }
     for (pugi::xml_node node : Children(Child(root_, "cellXfs"), "xf")) {
         Format format;
         sheethost::Style& style = format.style;
@@ -271,6 +283,30 @@ const sheethost::Style& StyleSheet::StyleAt(int index) const {
 bool StyleSheet::QuotePrefixAt(int index) const {
     return index >= 0 && index < static_cast<int>(formats_.size()) &&
            formats_[static_cast<std::size_t>(index)].quotePrefix;
+}
+
+StyleSheet::Differential StyleSheet::DifferentialAt(int index) const {
+    if (index < 0 || index >= static_cast<int>(differentials_.size())) return {};
+    return differentials_[static_cast<std::size_t>(index)];
+}
+
+int StyleSheet::DifferentialIndex(const Differential& look) {
+    auto found = std::find(differentials_.begin(), differentials_.end(), look);
+    if (found != differentials_.end()) return static_cast<int>(found - differentials_.begin());
+    pugi::xml_node section = Section("dxfs");
+    pugi::xml_node dxf = section.append_child(QualifiedName(section, "dxf").c_str());
+    if (look.fontColorIndex) {
+        SetColor(dxf.append_child(QualifiedName(dxf, "font").c_str()), "color",
+                 *look.fontColorIndex);
+    }
+    if (look.interiorColorIndex) {
+        pugi::xml_node fill = dxf.append_child(QualifiedName(dxf, "fill").c_str());
+        SetColor(fill.append_child(QualifiedName(fill, "patternFill").c_str()), "bgColor",
+                 *look.interiorColorIndex);
+    }
+    SetCount(section);
+    differentials_.push_back(look);
+    return static_cast<int>(differentials_.size() - 1);
 }
 
 pugi::xml_node StyleSheet::Section(const char* localName) {

@@ -3,6 +3,7 @@
 // touch stay exactly as they were).
 #pragma once
 
+#include <optional>
 #include <pugixml.hpp>
 #include <vector>
 
@@ -25,6 +26,16 @@ class StyleSheet {
     // needed) when none matches. Conditional formats are not part of the entry.
     int IndexOf(const sheethost::Style& style, bool quotePrefix);
 
+    // A conditional format's look (font colour, interior colour) as a differential format: the
+    // dxfs entry the file holds, or a new one appended. Reading answers the colour indexes.
+    struct Differential {
+        std::optional<int> fontColorIndex;
+        std::optional<int> interiorColorIndex;
+        bool operator==(const Differential&) const = default;
+    };
+    Differential DifferentialAt(int index) const;
+    int DifferentialIndex(const Differential& look);
+
   private:
     struct Format {
         sheethost::Style style;
@@ -42,6 +53,7 @@ class StyleSheet {
     std::vector<sheethost::Interior> fills_;
     std::vector<sheethost::CellBorders> borders_;
     std::vector<Format> formats_;
+    std::vector<Differential> differentials_;
 };
 
 // The code of a built-in number format id ("General" for 0, "m/d/yyyy" for 14); empty if unknown.

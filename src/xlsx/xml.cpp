@@ -55,6 +55,11 @@ std::string QualifiedName(const pugi::xml_node& parent, std::string_view localNa
 pugi::xml_node EnsureChild(pugi::xml_node parent, std::string_view localName,
                            std::span<const std::string_view> order) {
     if (pugi::xml_node existing = Child(parent, localName)) return existing;
+    return InsertInOrder(parent, localName, order);
+}
+
+pugi::xml_node InsertInOrder(pugi::xml_node parent, std::string_view localName,
+                             std::span<const std::string_view> order) {
     const auto rank = [&](std::string_view name) {
         return std::find(order.begin(), order.end(), name) - order.begin();
     };

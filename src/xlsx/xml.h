@@ -26,6 +26,10 @@ std::string QualifiedName(const pugi::xml_node& parent, std::string_view localNa
 pugi::xml_node EnsureChild(pugi::xml_node parent, std::string_view localName,
                            std::span<const std::string_view> order);
 
+// A new child, placed after the children that come before it (or are like it) in `order`.
+pugi::xml_node InsertInOrder(pugi::xml_node parent, std::string_view localName,
+                             std::span<const std::string_view> order);
+
 // The text of all <t> elements below `node`, joined: a rich text flattened.
 std::string JoinedText(const pugi::xml_node& node);
 

@@ -1,0 +1,330 @@
+// Shapes, connectors, freeforms, text boxes and charts through a save and a load.
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+#include "package_files.h"
+#include "sheethost/model.h"
+#include "sheethost/sheethost.h"
+#include "xlsx/xlsx.h"
+
+namespace xlsx::testing {
+namespace {
+
+namespace mso = sheethost::mso;
+using sheethost::Shape;
+
+// The shape with its geometry rounded to hundredths of a point: the file keeps positions in
+// EMUs from cell corners, so a round trip may move a shape by a fraction of that.
+Shape Rounded(Shape shape) {
+    auto round = [](double& value) { value = std::round(value * 100) / 100; };
+    for (double* value : {&shape.left, &shape.top, &shape.width, &shape.height}) round(*value);
+    for (auto& node : shape.nodes) {
+        round(node.x);
+        round(node.y);
+    }
+    return shape;
+}
+
+std::shared_ptr<Shape> AddShape(sheethost::Sheet& sheet, Shape shape) {
+    shape.id = static_cast<int>(sheet.shapes.size()) + 2;
+    sheet.shapes.push_back(std::make_shared<Shape>(std::move(shape)));
+    return sheet.shapes.back();
+}
+
+// A sheet drawn as the engine draws: a bar with text, a hidden marker, a text box, a connector
+// glued between two bars, a freeform, a line, and a chart; on uneven rows and columns.
+std::shared_ptr<sheethost::Workbook> DrawnWorkbook() {
+    auto book = sheethost::NewWorkbook();
+    sheethost::Sheet& sheet = *book->sheets[0];
+    sheet.name = "WBS";
+    sheet.columns[2].width = 30;
+    sheet.columns[3].hidden = true;
+    sheet.rows[4].height = 27.75;
+    sheet.rows[6].hidden = true;
+
+    Shape bar;
+    bar.name = "GanntBar5";
+    bar.left = 60.5;
+    bar.top = 52.25;
+    bar.width = 120;
+    bar.height = 11.5;
+    bar.autoShapeType = 5;
+    bar.adjustments = {0.16667};
+    bar.fill = {true, 0.25, 0x3366FF, 0xFFFFFF, mso::kFillPatterned, 21};
+    bar.line.weight = 1.5;
+    bar.line.dashStyle = 4;
+    bar.line.foreColor = 0x0000FF;
+    bar.line.style = 2;
+    sheethost::TextFrame text;
+    text.runs = {{"Pack ", {"Calibri", 9, true, false, 0xFFFFFF}},
+                 {"boxes\nand crates", {"Arial", 8, false, true, 0x00FF00}}};
+    text.horizontalAlignment = -4108;
+    text.verticalAlignment = -4108;
+    text.autoMargins = false;
+    text.marginLeft = 1.5;
+    bar.textFrame = text;
+    const auto first = AddShape(sheet, bar);
+
+    Shape second = bar;
+    second.name = "GanntBar7";
+    second.top = 100;
+    second.left = 200;
+    second.placement = mso::kMove;
+    second.textFrame = sheethost::TextFrame{};
+    const auto last = AddShape(sheet, second);
+
+    Shape marker;
+    marker.name = "TaskStatus9";
+    marker.autoShapeType = 9;
+    marker.left = 3;
+    marker.top = 130.75;
+    marker.width = 9;
+    marker.height = 9;
+    marker.visible = false;
+    marker.placement = mso::kFreeFloating;
+    marker.line.visible = false;
+    marker.textFrame = sheethost::TextFrame{};
+    AddShape(sheet, marker);
+
+    Shape box;
+    box.type = mso::kTextBox;
+    box.name = "Note";
+    box.left = 400;
+    box.top = 20;
+    box.width = 80;
+    box.height = 30;
+    box.fill.foreColor = 0xFFFFFF;
+    box.line.foreColor = 0;
+    sheethost::TextFrame note;
+    note.runs = {{"Status 2024/04/15", {}}};
+    note.autoSize = true;
+    box.textFrame = note;
+    AddShape(sheet, box);
+
+    Shape connector;
+    connector.name = "Connector 12";
+    connector.autoShapeType = mso::kShapeMixed;
+    connector.connectorType = mso::kConnectorElbow;
+    connector.adjustments = {0.5};
+    connector.left = 180.5;
+    connector.top = 58;
+    connector.width = 19.5;
+    connector.height = 47.75;
+    connector.fill.visible = false;
+    connector.line.endArrowheadStyle = 2;
+    connector.beginConnection = sheethost::ConnectorEnd{first->id, 4};
+    connector.endConnection = sheethost::ConnectorEnd{last->id, 2};
+    AddShape(sheet, connector);
+
+    Shape freeform;
+    freeform.type = mso::kFreeform;
+    freeform.name = "Freeform 3";
+    freeform.autoShapeType = mso::kShapeNotPrimitive;
+    freeform.left = 50;
+    freeform.top = 200;
+    freeform.width = 100;
+    freeform.height = 10;
+    freeform.nodes = {
+        {0, 0, 50, 200}, {0, 0, 150, 200}, {0, 0, 145, 210}, {0, 0, 55, 210}, {0, 0, 50, 200}};
+    AddShape(sheet, freeform);
+
+    Shape line;
+    line.type = mso::kLine;
+    line.name = "ProgressLine";
+    line.autoShapeType = mso::kShapeMixed;
+    line.connectorType = mso::kConnectorStraight;
+    line.left = 300;
+    line.top = 10;
+    line.width = 0;
+    line.height = 150;
+    line.verticalFlip = true;
+    line.fill.visible = false;
+    line.line.foreColor = 0x0000FF;
+    AddShape(sheet, line);
+
+    Shape frame;
+    frame.type = mso::kChart;
+    frame.name = "Chart 1";
+    frame.autoShapeType = mso::kShapeNotPrimitive;
+    frame.left = 50;
+    frame.top = 250;
+    frame.width = 360;
+    frame.height = 216;
+    const auto chartFrame = AddShape(sheet, frame);
+    auto chart = std::make_shared<sheethost::Chart>();
+    chart->shapeId = chartFrame->id;
+    chart->chartType = 65;
+    chart->hasTitle = true;
+    chart->title = "EVM 20240415";
+    chart->categoryAxis.categoryType = 2;
+    chart->series = {{"PV", "=WBS!$C$2", "=WBS!$C$3:$C$9", "=WBS!$B$3:$B$9"},
+                     {"EV", "=WBS!$D$2", "=WBS!$D$3:$D$9", "=WBS!$B$3:$B$9"}};
+    sheet.charts.push_back(chart);
+    return book;
+}
+
+class DrawingTest : public ::testing::Test {
+  protected:
+    TempFolder folder;
+};
+
+TEST_F(DrawingTest, EveryKindOfShapeAndTheChartSurviveASaveAndALoad) {
+    const auto book = DrawnWorkbook();
+    SaveXlsx(*book, {}, folder / "drawn.xlsx");
+    const auto loaded = LoadXlsx(folder / "drawn.xlsx");
+
+    const sheethost::Sheet& original = *book->sheets[0];
+    const sheethost::Sheet& sheet = *loaded->sheets[0];
+    ASSERT_EQ(sheet.shapes.size(), original.shapes.size());
+    for (std::size_t at = 0; at < sheet.shapes.size(); ++at) {
+        SCOPED_TRACE(original.shapes[at]->name);
+        EXPECT_EQ(Rounded(*sheet.shapes[at]), Rounded(*original.shapes[at]));
+    }
+    ASSERT_EQ(sheet.charts.size(), 1u);
+    sheethost::Chart expected = *original.charts[0];
+    expected.series[0].name.clear();  // a name read from a cell is the cell's, not a copy
+    expected.series[1].name.clear();
+    EXPECT_EQ(*sheet.charts[0], expected);
+}
+
+TEST_F(DrawingTest, AnUnchangedDrawingIsKeptByteForByte) {
+    SaveXlsx(*DrawnWorkbook(), {}, folder / "first.xlsx");
+    const auto loaded = LoadXlsx(folder / "first.xlsx");
+    SaveXlsx(*loaded, folder / "first.xlsx", folder / "second.xlsx");
+    EXPECT_EQ(ReadPart(folder / "second.xlsx", "xl/drawings/drawing1.xml"),
+              ReadPart(folder / "first.xlsx", "xl/drawings/drawing1.xml"));
+    EXPECT_EQ(ReadPart(folder / "second.xlsx", "xl/charts/chart1.xml"),
+              ReadPart(folder / "first.xlsx", "xl/charts/chart1.xml"));
+}
+
+TEST_F(DrawingTest, RemovingEveryShapeRemovesTheDrawing) {
+    SaveXlsx(*DrawnWorkbook(), {}, folder / "first.xlsx");
+    const auto loaded = LoadXlsx(folder / "first.xlsx");
+    loaded->sheets[0]->shapes.clear();
+    loaded->sheets[0]->charts.clear();
+    SaveXlsx(*loaded, folder / "first.xlsx", folder / "second.xlsx");
+    EXPECT_EQ(ReadPart(folder / "second.xlsx", "xl/drawings/drawing1.xml"), "");
+    EXPECT_EQ(ReadPart(folder / "second.xlsx", "xl/charts/chart1.xml"), "");
+    EXPECT_EQ(ReadPart(folder / "second.xlsx", "xl/worksheets/sheet1.xml").find("drawing"),
+              std::string::npos);
+    EXPECT_TRUE(LoadXlsx(folder / "second.xlsx")->sheets[0]->shapes.empty());
+}
+
+}  // namespace
+}  // namespace xlsx::testing
+
+namespace xlsx::testing {
+namespace {
+
+// A workbook as the spreadsheet program writes one: a template shape coloured by the theme
+// through its style, with a shadow, beside a picture.
+Parts WorkbookWithPicture() {
+    const std::string drawing =
+        R"(<xdr:wsDr xmlns:xdr="http://schemas.openxmlformats.org/drawingml/2006/spreadsheetDrawing" )"
+        R"(xmlns:a="http://schemas.openxmlformats.org/drawingml/2006/main">)"
+        R"(<xdr:twoCellAnchor editAs="oneCell"><xdr:from><xdr:col>1</xdr:col><xdr:colOff>0</xdr:colOff>)"
+        R"(<xdr:row>1</xdr:row><xdr:rowOff>0</xdr:rowOff></xdr:from><xdr:to><xdr:col>2</xdr:col>)"
+        R"(<xdr:colOff>0</xdr:colOff><xdr:row>2</xdr:row><xdr:rowOff>0</xdr:rowOff></xdr:to>)"
+        R"(<xdr:sp macro="" textlink=""><xdr:nvSpPr><xdr:cNvPr id="2" name="GanntBarByRes1"/><xdr:cNvSpPr/></xdr:nvSpPr>)"
+        R"(<xdr:spPr><a:xfrm><a:off x="609600" y="190500"/><a:ext cx="609600" cy="190500"/></a:xfrm>)"
+        R"(<a:prstGeom prst="rect"><a:avLst/></a:prstGeom><a:effectLst><a:outerShdw blurRad="40000"/></a:effectLst></xdr:spPr>)"
+        R"(<xdr:style><a:lnRef idx="2"><a:schemeClr val="accent1"><a:shade val="50000"/></a:schemeClr></a:lnRef>)"
+        R"(<a:fillRef idx="1"><a:schemeClr val="accent1"/></a:fillRef><a:effectRef idx="0"><a:schemeClr val="accent1"/></a:effectRef>)"
+        R"(<a:fontRef idx="minor"><a:schemeClr val="lt1"/></a:fontRef></xdr:style></xdr:sp><xdr:clientData/></xdr:twoCellAnchor>)"
+        R"(<xdr:oneCellAnchor><xdr:from><xdr:col>4</xdr:col><xdr:colOff>0</xdr:colOff><xdr:row>0</xdr:row><xdr:rowOff>0</xdr:rowOff></xdr:from>)"
+        R"(<xdr:ext cx="952500" cy="952500"/><xdr:pic><xdr:nvPicPr><xdr:cNvPr id="3" name="Logo"/><xdr:cNvPicPr/></xdr:nvPicPr>)"
+        R"(<xdr:blipFill><a:blip xmlns:r="http://schemas.openxmlformats.org/officeDocument/2006/relationships" r:embed="rId1"/></xdr:blipFill>)"
+        R"(<xdr:spPr><a:prstGeom prst="rect"><a:avLst/></a:prstGeom></xdr:spPr></xdr:pic><xdr:clientData/></xdr:oneCellAnchor></xdr:wsDr>)";
+    const std::string relationships =
+        R"(<Relationships xmlns="http://schemas.openxmlformats.org/package/2006/relationships">)";
+    return {
+        {"[Content_Types].xml",
+         R"(<Types xmlns="http://schemas.openxmlformats.org/package/2006/content-types">)"
+         R"(<Default Extension="rels" ContentType="application/vnd.openxmlformats-package.relationships+xml"/>)"
+         R"(<Default Extension="xml" ContentType="application/xml"/><Default Extension="png" ContentType="image/png"/>)"
+         R"(<Override PartName="/xl/workbook.xml" ContentType="application/vnd.openxmlformats-officedocument.spreadsheetml.sheet.main+xml"/>)"
+         R"(<Override PartName="/xl/worksheets/sheet1.xml" ContentType="application/vnd.openxmlformats-officedocument.spreadsheetml.worksheet+xml"/>)"
+         R"(<Override PartName="/xl/drawings/drawing1.xml" ContentType="application/vnd.openxmlformats-officedocument.drawing+xml"/>)"
+         R"(</Types>)"},
+        {"_rels/.rels",
+         relationships +
+             R"(<Relationship Id="rId1" Type="http://schemas.openxmlformats.org/officeDocument/2006/relationships/officeDocument" Target="xl/workbook.xml"/></Relationships>)"},
+        {"xl/workbook.xml",
+         R"(<workbook xmlns="http://schemas.openxmlformats.org/spreadsheetml/2006/main" )"
+         R"(xmlns:r="http://schemas.openxmlformats.org/officeDocument/2006/relationships">)"
+         R"(<sheets><sheet name="Resources" sheetId="1" r:id="rId1"/></sheets></workbook>)"},
+        {"xl/_rels/workbook.xml.rels",
+         relationships +
+             R"(<Relationship Id="rId1" Type="http://schemas.openxmlformats.org/officeDocument/2006/relationships/worksheet" Target="worksheets/sheet1.xml"/></Relationships>)"},
+        {"xl/worksheets/sheet1.xml",
+         R"(<worksheet xmlns="http://schemas.openxmlformats.org/spreadsheetml/2006/main" )"
+         R"(xmlns:r="http://schemas.openxmlformats.org/officeDocument/2006/relationships">)"
+         R"(<sheetData/><pageMargins left="0.7" right="0.7" top="0.75" bottom="0.75" header="0.3" footer="0.3"/>)"
+         R"(<drawing r:id="rId1"/></worksheet>)"},
+        {"xl/worksheets/_rels/sheet1.xml.rels",
+         relationships +
+             R"(<Relationship Id="rId1" Type="http://schemas.openxmlformats.org/officeDocument/2006/relationships/drawing" Target="../drawings/drawing1.xml"/></Relationships>)"},
+        {"xl/drawings/drawing1.xml", drawing},
+        {"xl/drawings/_rels/drawing1.xml.rels",
+         relationships +
+             R"(<Relationship Id="rId1" Type="http://schemas.openxmlformats.org/officeDocument/2006/relationships/image" Target="../media/image1.png"/></Relationships>)"},
+        {"xl/media/image1.png", std::string("\x89PNG\r\n\x1a\n", 8)},
+    };
+}
+
+bool NearColour(std::int32_t actual, std::int32_t expected) {
+    for (int shift : {0, 8, 16}) {
+        if (std::abs(((actual >> shift) & 0xFF) - ((expected >> shift) & 0xFF)) > 2) return false;
+    }
+    return true;
+}
+
+TEST_F(DrawingTest, ThemeColouredShapesReadAsTheSpreadsheetShowsThem) {
+    WriteZip(folder / "made.xlsx", WorkbookWithPicture());
+    const auto book = LoadXlsx(folder / "made.xlsx");
+    const sheethost::Sheet& sheet = *book->sheets[0];
+    ASSERT_EQ(sheet.shapes.size(), 1u);  // the picture stays the file's
+    const Shape& bar = *sheet.shapes[0];
+    EXPECT_EQ(bar.name, "GanntBarByRes1");
+    EXPECT_EQ(bar.placement, mso::kMove);
+    EXPECT_DOUBLE_EQ(bar.left, 48);  // column B, after one standard column
+    EXPECT_DOUBLE_EQ(bar.top, 15);
+    EXPECT_DOUBLE_EQ(bar.height, 15);
+    EXPECT_TRUE(bar.fill.visible);
+    EXPECT_EQ(bar.fill.foreColor, 0xC47244);  // the theme's first accent
+    EXPECT_TRUE(bar.line.visible);
+    EXPECT_TRUE(NearColour(bar.line.foreColor, 0x8F522F)) << std::hex << bar.line.foreColor;
+}
+
+TEST_F(DrawingTest, ChangedShapesKeepWhatTheHostDoesNotModelAndPicturesStay) {
+    WriteZip(folder / "made.xlsx", WorkbookWithPicture());
+    const auto book = LoadXlsx(folder / "made.xlsx");
+    sheethost::Sheet& sheet = *book->sheets[0];
+    sheet.shapes[0]->left = 100;
+    sheet.shapes[0]->name = "GanntBarByRes2";
+    Shape added;
+    added.id = 4;
+    added.name = "TaskStatus5";
+    added.autoShapeType = 9;
+    added.width = added.height = 9;
+    added.textFrame = sheethost::TextFrame{};
+    sheet.shapes.push_back(std::make_shared<Shape>(added));
+    SaveXlsx(*book, folder / "made.xlsx", folder / "saved.xlsx");
+
+    const std::string drawing = ReadPart(folder / "saved.xlsx", "xl/drawings/drawing1.xml");
+    EXPECT_NE(drawing.find("outerShdw"), std::string::npos);  // the shadow of the moved shape
+    EXPECT_NE(drawing.find("r:embed=\"rId1\""), std::string::npos);
+    EXPECT_NE(
+        ReadPart(folder / "saved.xlsx", "xl/drawings/_rels/drawing1.xml.rels").find("image1.png"),
+        std::string::npos);
+    EXPECT_EQ(ReadPart(folder / "saved.xlsx", "xl/media/image1.png").size(), 8u);
+
+    const auto reloaded = LoadXlsx(folder / "saved.xlsx");
+    ASSERT_EQ(reloaded->sheets[0]->shapes.size(), 2u);
+    EXPECT_EQ(*reloaded->sheets[0]->shapes[0], *sheet.shapes[0]);
+    EXPECT_EQ(reloaded->sheets[0]->shapes[1]->name, "TaskStatus5");
+}
+
+}  // namespace
+}  // namespace xlsx::testing
