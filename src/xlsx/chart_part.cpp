@@ -4,6 +4,7 @@
 #include <pugixml.hpp>
 #include <string_view>
 
+#include "xlsx/colors.h"
 #include "xlsx/drawing_xml.h"
 #include "xlsx/xml.h"
 
@@ -33,6 +34,7 @@ constexpr std::array<ChartKind, 7> kKinds{{
 }};
 
 constexpr int kCategoryScale = 2;
+constexpr int kFirstAccent = 4;  // in the theme's colour order
 constexpr int kTimeScale = 3;
 
 bool HasMarkers(pugi::xml_node plot) {
@@ -198,6 +200,16 @@ std::string WriteChartPart(const Chart& chart) {
             AddReference(node, "tx", "strRef", series.nameReference);
         } else if (!series.name.empty()) {
             Add(Add(node, "tx"), "v").text().set(series.name.c_str());
+        }
+        if (kind.plot == "lineChart") {
+            // Without an outline of their own, some programs draw only the markers.
+            pugi::xml_node line = AddElement(Add(node, "spPr"), "a", "ln");
+            SetAttribute(line, "w", std::string_view("28575"));
+            // The theme's accents in turn, as the spreadsheet colours series.
+            const std::string colour =
+                ArgbText(ThemeColorRgb(kFirstAccent + static_cast<int>(at % 6)));
+            SetAttribute(AddElement(AddElement(line, "a", "solidFill"), "a", "srgbClr"), "val",
+                         std::string_view(colour).substr(2));
         }
         if (kind.plot == "lineChart" && !kind.markers) {
             AddValue(Add(node, "marker"), "symbol", "none");
