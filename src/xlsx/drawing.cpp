@@ -181,22 +181,25 @@ class DrawingWriter {
         pugi::xml_node root = document_.document_element();
         prefixes_ = DrawingPrefixes::Bind(root);
         std::map<int, const ReadObject*> readById;
+        std::set<int> keptIds;
         if (source_ != nullptr) {
             for (const ReadObject& object : source_->objects) {
                 if (!object.shape) {
                     root.append_copy(object.anchor);
+                    keptIds.insert(ObjectId(object.anchor));
                 } else {
                     readById.emplace(object.shape->id, &object);
                 }
             }
         }
+        const std::map<int, int> newIds = IdsClearOf(keptIds);
         for (const auto& shape : sheet_.shapes) {
             const auto found = readById.find(shape->id);
             const ReadObject* read = found == readById.end() ? nullptr : found->second;
             if (read != nullptr && LocalName(ObjectOf(read->anchor)) != ObjectElementName(*shape)) {
                 read = nullptr;
             }
-            WriteObject(root, *shape, read);
+            WriteObject(root, *shape, WithIds(*shape, newIds), read);
         }
         DropUnusedRelationships(root);
         relationships_.Store();
@@ -206,7 +209,41 @@ class DrawingWriter {
     std::string Bytes() const { return SerializeXml(document_); }
 
   private:
-    void WriteObject(pugi::xml_node root, const Shape& shape, const ReadObject* read) {
+    static int ObjectId(pugi::xml_node anchor) {
+        pugi::xml_node object = ObjectOf(anchor);
+        for (pugi::xml_node child : object.children()) {
+            if (LocalName(child).starts_with("nv")) {
+                return Child(child, "cNvPr").attribute("id").as_int();
+            }
+        }
+        return 0;
+    }
+
+    // New ids for the host's shapes whose ids an object the host does not model already has:
+    // the host numbers its shapes without seeing those objects, and ids must stay unique.
+    std::map<int, int> IdsClearOf(const std::set<int>& keptIds) const {
+        int next = keptIds.empty() ? 1 : *keptIds.rbegin() + 1;
+        for (const auto& shape : sheet_.shapes) next = std::max(next, shape->id + 1);
+        std::map<int, int> newIds;
+        for (const auto& shape : sheet_.shapes) {
+            if (keptIds.contains(shape->id)) newIds[shape->id] = next++;
+        }
+        return newIds;
+    }
+
+    static Shape WithIds(Shape shape, const std::map<int, int>& newIds) {
+        auto renumber = [&](int& id) {
+            if (auto found = newIds.find(id); found != newIds.end()) id = found->second;
+        };
+        renumber(shape.id);
+        if (shape.beginConnection) renumber(shape.beginConnection->shapeId);
+        if (shape.endConnection) renumber(shape.endConnection->shapeId);
+        return shape;
+    }
+
+    // Writes `shape`, which is the sheet's `original` with its ids as the file gets them.
+    void WriteObject(pugi::xml_node root, const Shape& original, const Shape& shape,
+                     const ReadObject* read) {
         pugi::xml_node anchor;
         pugi::xml_node object;
         const Shape* before = nullptr;
@@ -232,11 +269,11 @@ class DrawingWriter {
                         Box{shape.left, shape.top, shape.width, shape.height}, grid_, prefixes_);
         }
         WriteShapeElement(object, shape, before, prefixes_);
-        if (shape.type == sheethost::mso::kChart) WriteChart(object, shape, read);
+        if (shape.type == sheethost::mso::kChart) WriteChart(object, original.id, read);
     }
 
-    void WriteChart(pugi::xml_node frame, const Shape& shape, const ReadObject* read) {
-        const Chart* chart = ChartOf(sheet_, shape.id);
+    void WriteChart(pugi::xml_node frame, int shapeId, const ReadObject* read) {
+        const Chart* chart = ChartOf(sheet_, shapeId);
         if (chart == nullptr) return;
         if (read != nullptr && read->chart && SameChartInFile(*chart, *read->chart)) return;
         const std::string chartPart = FreePartName(package_, "xl/charts/chart", ".xml");

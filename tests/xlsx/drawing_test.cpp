@@ -304,7 +304,7 @@ TEST_F(DrawingTest, ChangedShapesKeepWhatTheHostDoesNotModelAndPicturesStay) {
     sheet.shapes[0]->left = 100;
     sheet.shapes[0]->name = "GanntBarByRes2";
     Shape added;
-    added.id = 4;
+    added.id = 3;  // the host numbers on from its own shapes, so it takes the picture's id
     added.name = "TaskStatus5";
     added.autoShapeType = 9;
     added.width = added.height = 9;
@@ -324,6 +324,7 @@ TEST_F(DrawingTest, ChangedShapesKeepWhatTheHostDoesNotModelAndPicturesStay) {
     ASSERT_EQ(reloaded->sheets[0]->shapes.size(), 2u);
     EXPECT_EQ(*reloaded->sheets[0]->shapes[0], *sheet.shapes[0]);
     EXPECT_EQ(reloaded->sheets[0]->shapes[1]->name, "TaskStatus5");
+    EXPECT_EQ(reloaded->sheets[0]->shapes[1]->id, 4);
 }
 
 }  // namespace
