@@ -430,6 +430,17 @@ TextFrame ReadTextBody(pugi::xml_node textBody) {
     frame.marginRight = EmuToPoints(body.attribute("rIns").as_llong(kDefaultSideInset));
     frame.marginTop = EmuToPoints(body.attribute("tIns").as_llong(kDefaultTopInset));
     frame.marginBottom = EmuToPoints(body.attribute("bIns").as_llong(kDefaultTopInset));
+    // Paragraph and line breaks become line feeds in the text, in the font of the text before.
+    auto append = [&](std::string text, const Font& font) {
+        if (!frame.runs.empty() && frame.runs.back().font == font) {
+            frame.runs.back().text += text;
+        } else {
+            frame.runs.push_back({std::move(text), font});
+        }
+    };
+    auto lineFeed = [&] {
+        append("\n", frame.runs.empty() ? frame.defaultFont : frame.runs.back().font);
+    };
     bool first = true;
     for (pugi::xml_node paragraph : Children(textBody, "p")) {
         if (first) {
@@ -438,27 +449,18 @@ TextFrame ReadTextBody(pugi::xml_node textBody) {
                         Child(paragraph, "pPr").attribute("algn").as_string("l"), -4131);
             frame.defaultFont = ReadRunFont(Child(paragraph, "endParaRPr"), frame.defaultFont);
         } else {
-            if (frame.runs.empty()) frame.runs.push_back({"", frame.defaultFont});
-            frame.runs.back().text += '\n';
+            lineFeed();
         }
         first = false;
         for (pugi::xml_node run : paragraph.children()) {
             const std::string_view kind = LocalName(run);
             if (kind == "r" || kind == "fld") {
-                Font font = ReadRunFont(Child(run, "rPr"), Font{});
-                std::string text = Child(run, "t").text().get();
-                if (!frame.runs.empty() && frame.runs.back().font == font) {
-                    frame.runs.back().text += text;
-                } else {
-                    frame.runs.push_back({std::move(text), font});
-                }
-            } else if (kind == "br" && !frame.runs.empty()) {
-                frame.runs.back().text += '\n';
+                append(Child(run, "t").text().get(), ReadRunFont(Child(run, "rPr"), Font{}));
+            } else if (kind == "br") {
+                lineFeed();
             }
         }
     }
-    if (!frame.runs.empty() && frame.runs.front().text.empty())
-        frame.runs.erase(frame.runs.begin());
     return frame;
 }
 
