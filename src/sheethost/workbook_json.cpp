@@ -6,6 +6,7 @@
 
 #include "sheethost/address.h"
 #include "sheethost/cell_values.h"
+#include "sheethost/palette.h"
 #include "sheethost/sheet_edit.h"
 #include "sheethost/sheethost.h"
 #include "values/values.h"
@@ -142,6 +143,15 @@ void Overlay(json& full, const json& patch, const std::string& where) {
     }
 }
 
+// A fill given by its colour index alone shows the palette's colour, as setting ColorIndex does.
+void FillColourFromIndex(json& full, const json& patch) {
+    const auto interior = patch.find("interior");
+    if (interior == patch.end() || !interior->is_object()) return;
+    if (!interior->contains("colorIndex") || interior->contains("color")) return;
+    const int index = full["interior"]["colorIndex"].get<int>();
+    if (index >= 1 && index <= 56) full["interior"]["color"] = PaletteColor(index);
+}
+
 // The properties of a cell, row, column or format entry that are not style properties.
 bool IsStyleKey(const std::string& key) {
     static const json kDefault = FullStyle(Style{});
@@ -163,8 +173,10 @@ class StyleReader {
                 const std::string name = style.get<std::string>();
                 if (!table_.contains(name)) Fail(where, "unknown style '" + name + "'");
                 Overlay(full, table_[name], where + ".style");
+                FillColourFromIndex(full, table_[name]);
             } else {
                 Overlay(full, style, where + ".style");
+                FillColourFromIndex(full, style);
             }
         }
         json inline_ = json::object();
@@ -172,6 +184,7 @@ class StyleReader {
             if (IsStyleKey(key)) inline_[key] = value;
         }
         Overlay(full, inline_, where);
+        FillColourFromIndex(full, inline_);
         return StyleFromFull(full);
     }
 

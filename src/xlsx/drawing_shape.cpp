@@ -16,79 +16,118 @@ namespace {
 namespace mso = sheethost::mso;
 using sheethost::Shape;
 
-// AutoShapeType numbers 1 to 52 as the file names their preset geometries; the star (92) and the
-// flowchart process box (61) follow.
-constexpr std::array<std::string_view, 52> kPresets{"rect",
-                                                    "parallelogram",
-                                                    "trapezoid",
-                                                    "diamond",
-                                                    "roundRect",
-                                                    "octagon",
-                                                    "triangle",
-                                                    "rtTriangle",
-                                                    "ellipse",
-                                                    "hexagon",
-                                                    "plus",
-                                                    "pentagon",
-                                                    "can",
-                                                    "cube",
-                                                    "bevel",
-                                                    "foldedCorner",
-                                                    "smileyFace",
-                                                    "donut",
-                                                    "noSmoking",
-                                                    "blockArc",
-                                                    "heart",
-                                                    "lightningBolt",
-                                                    "sun",
-                                                    "moon",
-                                                    "arc",
-                                                    "bracketPair",
-                                                    "bracePair",
-                                                    "plaque",
-                                                    "leftBracket",
-                                                    "rightBracket",
-                                                    "leftBrace",
-                                                    "rightBrace",
-                                                    "rightArrow",
-                                                    "leftArrow",
-                                                    "upArrow",
-                                                    "downArrow",
-                                                    "leftRightArrow",
-                                                    "upDownArrow",
-                                                    "quadArrow",
-                                                    "leftRightUpArrow",
-                                                    "bentArrow",
-                                                    "uturnArrow",
-                                                    "leftUpArrow",
-                                                    "bentUpArrow",
-                                                    "curvedRightArrow",
-                                                    "curvedLeftArrow",
-                                                    "curvedUpArrow",
-                                                    "curvedDownArrow",
-                                                    "stripedRightArrow",
-                                                    "notchedRightArrow",
-                                                    "homePlate",
-                                                    "chevron"};
-constexpr std::array<std::pair<int, std::string_view>, 2> kOtherPresets{
-    {{61, "flowChartProcess"}, {92, "star5"}}};
+// AutoShapeType numbers as the file names their preset geometries: the basic shapes and block
+// arrows (1 to 52), then the flowchart symbols and stars (61 to 96), which workbooks use for
+// milestones and status marks. A shape of another preset is left to the file as it is.
+constexpr std::array<std::string_view, 52> kBasicPresets{"rect",
+                                                         "parallelogram",
+                                                         "trapezoid",
+                                                         "diamond",
+                                                         "roundRect",
+                                                         "octagon",
+                                                         "triangle",
+                                                         "rtTriangle",
+                                                         "ellipse",
+                                                         "hexagon",
+                                                         "plus",
+                                                         "pentagon",
+                                                         "can",
+                                                         "cube",
+                                                         "bevel",
+                                                         "foldedCorner",
+                                                         "smileyFace",
+                                                         "donut",
+                                                         "noSmoking",
+                                                         "blockArc",
+                                                         "heart",
+                                                         "lightningBolt",
+                                                         "sun",
+                                                         "moon",
+                                                         "arc",
+                                                         "bracketPair",
+                                                         "bracePair",
+                                                         "plaque",
+                                                         "leftBracket",
+                                                         "rightBracket",
+                                                         "leftBrace",
+                                                         "rightBrace",
+                                                         "rightArrow",
+                                                         "leftArrow",
+                                                         "upArrow",
+                                                         "downArrow",
+                                                         "leftRightArrow",
+                                                         "upDownArrow",
+                                                         "quadArrow",
+                                                         "leftRightUpArrow",
+                                                         "bentArrow",
+                                                         "uturnArrow",
+                                                         "leftUpArrow",
+                                                         "bentUpArrow",
+                                                         "curvedRightArrow",
+                                                         "curvedLeftArrow",
+                                                         "curvedUpArrow",
+                                                         "curvedDownArrow",
+                                                         "stripedRightArrow",
+                                                         "notchedRightArrow",
+                                                         "homePlate",
+                                                         "chevron"};
+constexpr int kFirstFlowchartPreset = 61;
+constexpr std::array<std::string_view, 36> kFlowchartAndStarPresets{"flowChartProcess",
+                                                                    "flowChartAlternateProcess",
+                                                                    "flowChartDecision",
+                                                                    "flowChartInputOutput",
+                                                                    "flowChartPredefinedProcess",
+                                                                    "flowChartInternalStorage",
+                                                                    "flowChartDocument",
+                                                                    "flowChartMultidocument",
+                                                                    "flowChartTerminator",
+                                                                    "flowChartPreparation",
+                                                                    "flowChartManualInput",
+                                                                    "flowChartManualOperation",
+                                                                    "flowChartConnector",
+                                                                    "flowChartOffpageConnector",
+                                                                    "flowChartPunchedCard",
+                                                                    "flowChartPunchedTape",
+                                                                    "flowChartSummingJunction",
+                                                                    "flowChartOr",
+                                                                    "flowChartCollate",
+                                                                    "flowChartSort",
+                                                                    "flowChartExtract",
+                                                                    "flowChartMerge",
+                                                                    "flowChartOnlineStorage",
+                                                                    "flowChartDelay",
+                                                                    "flowChartMagneticTape",
+                                                                    "flowChartMagneticDisk",
+                                                                    "flowChartMagneticDrum",
+                                                                    "flowChartDisplay",
+                                                                    "irregularSeal1",
+                                                                    "irregularSeal2",
+                                                                    "star4",
+                                                                    "star5",
+                                                                    "star8",
+                                                                    "star16",
+                                                                    "star24",
+                                                                    "star32"};
 
 std::optional<int> AutoShapeTypeOf(std::string_view preset) {
-    for (std::size_t at = 0; at < kPresets.size(); ++at) {
-        if (kPresets[at] == preset) return static_cast<int>(at) + 1;
+    for (std::size_t at = 0; at < kBasicPresets.size(); ++at) {
+        if (kBasicPresets[at] == preset) return static_cast<int>(at) + 1;
     }
-    for (const auto& [number, name] : kOtherPresets) {
-        if (name == preset) return number;
+    for (std::size_t at = 0; at < kFlowchartAndStarPresets.size(); ++at) {
+        if (kFlowchartAndStarPresets[at] == preset) {
+            return static_cast<int>(at) + kFirstFlowchartPreset;
+        }
     }
     return std::nullopt;
 }
 
 std::string_view PresetOf(int autoShapeType) {
-    if (autoShapeType >= 1 && autoShapeType <= static_cast<int>(kPresets.size())) {
-        return kPresets[static_cast<std::size_t>(autoShapeType - 1)];
+    if (autoShapeType >= 1 && autoShapeType <= static_cast<int>(kBasicPresets.size())) {
+        return kBasicPresets[static_cast<std::size_t>(autoShapeType - 1)];
     }
-    for (const auto& [number, name] : kOtherPresets) {
-        if (number == autoShapeType) return name;
+    const int flowchart = autoShapeType - kFirstFlowchartPreset;
+    if (flowchart >= 0 && flowchart < static_cast<int>(kFlowchartAndStarPresets.size())) {
+        return kFlowchartAndStarPresets[static_cast<std::size_t>(flowchart)];
     }
     return "rect";
 }

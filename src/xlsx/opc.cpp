@@ -69,6 +69,20 @@ std::vector<Relationship> ReadRelationships(const Package& package, std::string_
     return relationships;
 }
 
+std::set<std::string> ReachableParts(const Package& package) {
+    std::set<std::string> reached;
+    std::vector<std::string> pending{""};
+    while (!pending.empty()) {
+        const std::string source = std::move(pending.back());
+        pending.pop_back();
+        for (const Relationship& relationship : ReadRelationships(package, source)) {
+            if (relationship.external || package.Find(relationship.target) == nullptr) continue;
+            if (reached.insert(relationship.target).second) pending.push_back(relationship.target);
+        }
+    }
+    return reached;
+}
+
 const Relationship* FindByType(const std::vector<Relationship>& relationships,
                                std::string_view type) {
     auto found = std::find_if(relationships.begin(), relationships.end(),

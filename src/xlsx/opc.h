@@ -2,6 +2,7 @@
 #pragma once
 
 #include <pugixml.hpp>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -46,6 +47,10 @@ std::string ResolveTarget(std::string_view partName, std::string_view target);
 std::vector<Relationship> ReadRelationships(const Package& package, std::string_view partName);
 const Relationship* FindByType(const std::vector<Relationship>& relationships,
                                std::string_view type);
+
+// The parts reached from the package's root through internal relationships, followed from part
+// to part.
+std::set<std::string> ReachableParts(const Package& package);
 
 // The first free part name of the pattern "xl/drawings/drawing" + N + ".xml".
 std::string FreePartName(const Package& package, std::string_view stem, std::string_view extension);

@@ -68,8 +68,15 @@ struct WorkbookEditor {
         relationships.RemoveTarget(partName);
     }
 
-    void Store() {
+    // Stores the edits. The parts that only the parts this save dropped led to (the drawing,
+    // charts and pictures of a deleted sheet) go with them; `reachedBefore` is what the package
+    // reached before.
+    void Store(const std::set<std::string>& reachedBefore) {
         relationships.Store();
+        const std::set<std::string> reached = ReachableParts(package);
+        for (const std::string& part : reachedBefore) {
+            if (!reached.contains(part)) RemovePart(package, types, part);
+        }
         types.Store();
     }
 
@@ -196,6 +203,7 @@ void SaveXlsx(const sheethost::Workbook& book, const std::filesystem::path& sour
     RefuseOverwritingSource(source, target, options);
     if (book.sheets.empty()) throw XlsxError("a workbook needs at least one worksheet");
     Package package = source.empty() ? NewPackage() : ReadPackage(source);
+    const std::set<std::string> reachedBefore = ReachableParts(package);
     pugi::xml_document workbookDocument;
     WorkbookParts parts = LocateParts(package, workbookDocument);
     WorkbookEditor editor(package, parts.workbookPart);
@@ -283,7 +291,7 @@ void SaveXlsx(const sheethost::Workbook& book, const std::filesystem::path& sour
 
     package.Put(parts.workbookPart, SerializeXml(workbookDocument));
     package.Put(parts.stylesPart, SerializeXml(stylesDocument));
-    editor.Store();
+    editor.Store(reachedBefore);
     WritePackageAtomically(package, target);
 }
 

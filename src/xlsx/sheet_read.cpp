@@ -7,6 +7,7 @@
 
 #include "sheethost/address.h"
 #include "sheethost/formula.h"
+#include "xlsx/sheet_view.h"
 #include "xlsx/xml.h"
 
 namespace xlsx {
@@ -169,6 +170,7 @@ void ReadWorksheet(const pugi::xml_node& worksheet, const std::vector<std::strin
     WorksheetReader reader(sharedStrings, styles, sheet);
     reader.ReadColumns(Child(worksheet, "cols"));
     reader.ReadRows(Child(worksheet, "sheetData"));
+    ReadSheetView(worksheet, sheet);
 }
 
 }  // namespace xlsx

@@ -8,6 +8,7 @@
 
 #include "sheethost/formula.h"
 #include "xlsx/sheet_read.h"
+#include "xlsx/sheet_view.h"
 #include "xlsx/xml.h"
 
 namespace xlsx {
@@ -156,13 +157,6 @@ void WriteCodeName(pugi::xml_node worksheet, const std::string& codeName) {
     attribute.set_value(codeName.c_str());
 }
 
-void MarkTabSelected(pugi::xml_node worksheet, bool active) {
-    for (pugi::xml_node view : Children(Child(worksheet, "sheetViews"), "sheetView")) {
-        view.remove_attribute("tabSelected");
-        if (active) view.prepend_attribute("tabSelected").set_value(1);
-    }
-}
-
 }  // namespace
 
 void WriteWorksheet(pugi::xml_node worksheet, const sheethost::Sheet& sheet, StyleSheet& styles,
@@ -170,7 +164,7 @@ void WriteWorksheet(pugi::xml_node worksheet, const sheethost::Sheet& sheet, Sty
     WriteCodeName(worksheet, sheet.codeName);
     // The used range changes with the cells; the spreadsheet recomputes it when it is absent.
     if (pugi::xml_node dimension = Child(worksheet, "dimension")) worksheet.remove_child(dimension);
-    MarkTabSelected(worksheet, active);
+    WriteSheetView(worksheet, sheet, active);
     WorksheetWriter writer(sheet, styles, sharedStrings);
     writer.WriteColumns(worksheet);
     writer.WriteRows(EnsureChild(worksheet, "sheetData", kWorksheetOrder));

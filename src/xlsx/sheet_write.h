@@ -62,9 +62,9 @@ inline constexpr const char* kEmptyWorksheet =
     R"(xmlns:r="http://schemas.openxmlformats.org/officeDocument/2006/relationships">)"
     R"(<sheetData/></worksheet>)";
 
-// Replaces the code name, columns, rows and cells of the <worksheet> element with the sheet's,
-// and marks its tab selected when it is the active sheet. Formulas are written without cached
-// values.
+// Replaces the code name, view, columns, rows and cells of the <worksheet> element with the
+// sheet's, and marks its tab selected when it is the active sheet. Formulas are written without
+// cached values.
 void WriteWorksheet(pugi::xml_node worksheet, const sheethost::Sheet& sheet, StyleSheet& styles,
                     const SharedStringIndex& sharedStrings, bool active);
 

@@ -55,6 +55,8 @@ TEST(JsonTest, LoadsEveryPartOfTheDescription) {
     EXPECT_EQ(wbs.columns.at(1).width, 2.5);
     EXPECT_TRUE(wbs.columns.at(5).hidden);
     EXPECT_EQ(wbs.columns.at(4).style->interior.colorIndex, 35);
+    // A fill given by its index alone takes the palette's colour, as setting ColorIndex does.
+    EXPECT_EQ(wbs.columns.at(4).style->interior.color, 0xCCFFCC);
     EXPECT_EQ(wbs.rows.at(5).height, 18.75);
     EXPECT_TRUE(wbs.rows.at(7).style->font.bold);
 

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <set>
 
 #include "package_files.h"
 #include "sheethost/model.h"
@@ -211,6 +212,30 @@ TEST_F(DrawingTest, RemovingEveryShapeRemovesTheDrawing) {
     EXPECT_TRUE(LoadXlsx(folder / "second.xlsx")->sheets[0]->shapes.empty());
 }
 
+TEST_F(DrawingTest, AutoShapeTypesKeepTheirNumbersAndNameTheirPresets) {
+    auto book = sheethost::NewWorkbook();
+    const std::vector<std::pair<int, std::string>> presets{
+        {4, "diamond"},           {7, "triangle"},        {33, "rightArrow"}, {52, "chevron"},
+        {61, "flowChartProcess"}, {82, "flowChartMerge"}, {92, "star5"},      {96, "star32"}};
+    for (const auto& [type, name] : presets) {
+        Shape shape;
+        shape.name = name;
+        shape.autoShapeType = type;
+        shape.width = shape.height = 10;
+        shape.textFrame = sheethost::TextFrame{};
+        AddShape(*book->sheets[0], shape);
+    }
+    SaveXlsx(*book, {}, folder / "types.xlsx");
+    const std::string drawing = ReadPart(folder / "types.xlsx", "xl/drawings/drawing1.xml");
+    const auto loaded = LoadXlsx(folder / "types.xlsx");
+    ASSERT_EQ(loaded->sheets[0]->shapes.size(), presets.size());
+    for (std::size_t at = 0; at < presets.size(); ++at) {
+        const auto& [type, name] = presets[at];
+        EXPECT_NE(drawing.find("prst=\"" + name + "\""), std::string::npos) << name;
+        EXPECT_EQ(loaded->sheets[0]->shapes[at]->autoShapeType, type) << name;
+    }
+}
+
 }  // namespace
 }  // namespace xlsx::testing
 
@@ -310,6 +335,14 @@ TEST_F(DrawingTest, ChangedShapesKeepWhatTheHostDoesNotModelAndPicturesStay) {
     added.width = added.height = 9;
     added.textFrame = sheethost::TextFrame{};
     sheet.shapes.push_back(std::make_shared<Shape>(added));
+    Shape link;
+    link.id = 4;
+    link.name = "TaskDepand5";
+    link.autoShapeType = mso::kShapeMixed;
+    link.connectorType = mso::kConnectorStraight;
+    link.beginConnection = sheethost::ConnectorEnd{2, 4};
+    link.endConnection = sheethost::ConnectorEnd{3, 2};
+    sheet.shapes.push_back(std::make_shared<Shape>(link));
     SaveXlsx(*book, folder / "made.xlsx", folder / "saved.xlsx");
 
     const std::string drawing = ReadPart(folder / "saved.xlsx", "xl/drawings/drawing1.xml");
@@ -321,10 +354,15 @@ TEST_F(DrawingTest, ChangedShapesKeepWhatTheHostDoesNotModelAndPicturesStay) {
     EXPECT_EQ(ReadPart(folder / "saved.xlsx", "xl/media/image1.png").size(), 8u);
 
     const auto reloaded = LoadXlsx(folder / "saved.xlsx");
-    ASSERT_EQ(reloaded->sheets[0]->shapes.size(), 2u);
-    EXPECT_EQ(*reloaded->sheets[0]->shapes[0], *sheet.shapes[0]);
-    EXPECT_EQ(reloaded->sheets[0]->shapes[1]->name, "TaskStatus5");
-    EXPECT_EQ(reloaded->sheets[0]->shapes[1]->id, 4);
+    const auto& shapes = reloaded->sheets[0]->shapes;
+    ASSERT_EQ(shapes.size(), 3u);
+    EXPECT_EQ(*shapes[0], *sheet.shapes[0]);
+    EXPECT_EQ(shapes[1]->name, "TaskStatus5");
+    std::set<int> ids{3};  // the picture's
+    for (const auto& shape : shapes) EXPECT_TRUE(ids.insert(shape->id).second) << shape->name;
+    // The connector stays glued to the marker under the marker's new id.
+    EXPECT_EQ(shapes[2]->beginConnection, (sheethost::ConnectorEnd{shapes[0]->id, 4}));
+    EXPECT_EQ(shapes[2]->endConnection, (sheethost::ConnectorEnd{shapes[1]->id, 2}));
 }
 
 }  // namespace

@@ -1,0 +1,111 @@
+#include "xlsx/sheet_view.h"
+
+#include <array>
+#include <sstream>
+#include <string>
+#include <string_view>
+
+#include "sheethost/address.h"
+#include "sheethost/formula.h"
+#include "xlsx/sheet_write.h"
+#include "xlsx/xml.h"
+
+namespace xlsx {
+namespace {
+
+constexpr std::array<std::string_view, 4> kSheetViewOrder{"pane", "selection", "pivotSelection",
+                                                          "extLst"};
+
+// With split or frozen panes each pane keeps a selection of its own; the active pane's is the
+// one the user sees. Without panes the view has one selection, of the top-left pane.
+pugi::xml_node ActiveSelection(pugi::xml_node view) {
+    pugi::xml_node pane = Child(view, "pane");
+    const std::string_view active =
+        pane ? pane.attribute("activePane").as_string("topLeft") : "topLeft";
+    for (pugi::xml_node selection : Children(view, "selection")) {
+        if (selection.attribute("pane").as_string("topLeft") == active) return selection;
+    }
+    return {};
+}
+
+std::string CellName(int row, int column) {
+    return sheethost::ColumnLetters(column) + std::to_string(row);
+}
+
+// Blocks as the file lists them: corners without dollars, whole rows and columns spelled out.
+std::string Sqref(const std::vector<sheethost::Area>& areas) {
+    std::string text;
+    for (const sheethost::Area& area : areas) {
+        if (!text.empty()) text += ' ';
+        text += CellName(area.top, area.left);
+        if (area.bottom != area.top || area.right != area.left) {
+            text += ':' + CellName(area.bottom, area.right);
+        }
+    }
+    return text;
+}
+
+}  // namespace
+
+void ReadSheetView(pugi::xml_node worksheet, sheethost::Sheet& sheet) {
+    pugi::xml_node view = Child(Child(worksheet, "sheetViews"), "sheetView");
+    if (!view) return;
+    const int zoom = view.attribute("zoomScale").as_int(100);
+    if (zoom >= 10 && zoom <= 400) sheet.zoom = zoom;
+    pugi::xml_node selection = ActiveSelection(view);
+    if (!selection) return;
+    if (const auto active = sheethost::ParseArea(selection.attribute("activeCell").value())) {
+        sheet.activeCell = {active->top, active->left};
+    }
+    std::vector<sheethost::Area> areas;
+    std::istringstream blocks(selection.attribute("sqref").value());
+    for (std::string block; blocks >> block;) {
+        if (const auto area = sheethost::ParseArea(block)) areas.push_back(*area);
+    }
+    sheet.selection =
+        areas.empty()
+            ? std::vector<sheethost::Area>{{sheet.activeCell.row, sheet.activeCell.column,
+                                            sheet.activeCell.row, sheet.activeCell.column}}
+            : areas;
+}
+
+void WriteSheetView(pugi::xml_node worksheet, const sheethost::Sheet& sheet, bool active) {
+    pugi::xml_node views = EnsureChild(worksheet, "sheetViews", kWorksheetOrder);
+    pugi::xml_node view = Child(views, "sheetView");
+    if (!view) {
+        view = views.append_child(QualifiedName(views, "sheetView").c_str());
+        view.append_attribute("workbookViewId").set_value(0);
+    }
+    for (pugi::xml_node other : Children(views, "sheetView")) other.remove_attribute("tabSelected");
+    if (active) view.prepend_attribute("tabSelected").set_value(1);
+    view.remove_attribute("zoomScale");
+    if (sheet.zoom != 100) view.append_attribute("zoomScale").set_value(sheet.zoom);
+
+    pugi::xml_node selection = ActiveSelection(view);
+    const bool standard = sheet.activeCell == sheethost::CellRef{} && sheet.selection.size() == 1 &&
+                          sheet.selection[0] == sheethost::Area{};
+    if (!selection && standard) return;
+    if (!selection) {
+        selection = InsertInOrder(view, "selection", kSheetViewOrder);
+        if (pugi::xml_node pane = Child(view, "pane")) {
+            selection.append_attribute("pane").set_value(
+                pane.attribute("activePane").as_string("topLeft"));
+        }
+    }
+    selection.remove_attribute("activeCell");
+    selection.remove_attribute("activeCellId");
+    selection.remove_attribute("sqref");
+    selection.append_attribute("activeCell")
+        .set_value(CellName(sheet.activeCell.row, sheet.activeCell.column).c_str());
+    // The active cell lies in the first block unless it says which.
+    for (std::size_t at = 1; at < sheet.selection.size(); ++at) {
+        if (sheet.selection[0].Contains(sheet.activeCell.row, sheet.activeCell.column)) break;
+        if (sheet.selection[at].Contains(sheet.activeCell.row, sheet.activeCell.column)) {
+            selection.append_attribute("activeCellId").set_value(static_cast<unsigned>(at));
+            break;
+        }
+    }
+    selection.append_attribute("sqref").set_value(Sqref(sheet.selection).c_str());
+}
+
+}  // namespace xlsx
