@@ -34,7 +34,6 @@ constexpr std::array<ChartKind, 7> kKinds{{
 }};
 
 constexpr int kCategoryScale = 2;
-constexpr int kFirstAccent = 4;  // in the theme's colour order
 constexpr int kTimeScale = 3;
 
 bool HasMarkers(pugi::xml_node plot) {
@@ -170,7 +169,7 @@ std::optional<Chart> ReadChartPart(const std::string& bytes, const std::string& 
     return result;
 }
 
-std::string WriteChartPart(const Chart& chart) {
+std::string WriteChartPart(const Chart& chart, const ThemeColors& theme) {
     pugi::xml_document document;
     pugi::xml_node space = document.append_child("c:chartSpace");
     SetAttribute(space, "xmlns:c", kChartNamespace);
@@ -206,8 +205,7 @@ std::string WriteChartPart(const Chart& chart) {
             pugi::xml_node line = AddElement(Add(node, "spPr"), "a", "ln");
             SetAttribute(line, "w", std::string_view("28575"));
             // The theme's accents in turn, as the spreadsheet colours series.
-            const std::string colour =
-                ArgbText(ThemeColorRgb(kFirstAccent + static_cast<int>(at % 6)));
+            const std::string colour = ArgbText(theme.rgb[ThemeColors::kFirstAccent + at % 6]);
             SetAttribute(AddElement(AddElement(line, "a", "solidFill"), "a", "srgbClr"), "val",
                          std::string_view(colour).substr(2));
         }

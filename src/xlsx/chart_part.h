@@ -6,6 +6,7 @@
 #include <string>
 
 #include "sheethost/shape_model.h"
+#include "xlsx/colors.h"
 
 namespace xlsx {
 
@@ -14,7 +15,8 @@ namespace xlsx {
 std::optional<sheethost::Chart> ReadChartPart(const std::string& bytes,
                                               const std::string& partName);
 
-std::string WriteChartPart(const sheethost::Chart& chart);
+// The series are drawn in the theme's accent colours in turn.
+std::string WriteChartPart(const sheethost::Chart& chart, const ThemeColors& theme);
 
 // Whether two charts agree on everything a chart part holds.
 bool SameChartInFile(const sheethost::Chart& a, const sheethost::Chart& b);

@@ -67,7 +67,8 @@ struct ReadDrawingPart {
 
 // Reads the drawing the worksheet refers to, if any.
 std::unique_ptr<ReadDrawingPart> ReadPart(const Package& package, const std::string& worksheetPart,
-                                          pugi::xml_node worksheet, const SheetGrid& grid) {
+                                          pugi::xml_node worksheet, const SheetGrid& grid,
+                                          const ThemeColors& theme) {
     const std::string id = RelationshipIdAttribute(Child(worksheet, "drawing")).value();
     if (id.empty()) return nullptr;
     std::string partName;
@@ -87,7 +88,7 @@ std::unique_ptr<ReadDrawingPart> ReadPart(const Package& package, const std::str
         const auto anchored = ReadAnchor(anchor, grid);
         if (anchored) {
             object.placement = anchored->placement;
-            object.shape = ReadShapeElement(ObjectOf(anchor), anchored->box);
+            object.shape = ReadShapeElement(ObjectOf(anchor), anchored->box, theme);
         }
         if (object.shape && object.shape->type == sheethost::mso::kChart) {
             object.chartId = ChartIdOf(ObjectOf(anchor));
@@ -161,10 +162,11 @@ void SetChartReference(pugi::xml_node frame, const std::string& id,
 class DrawingWriter {
   public:
     DrawingWriter(Package& package, ContentTypes& types, const sheethost::Sheet& sheet,
-                  const ReadDrawingPart* source, std::string partName)
+                  const ReadDrawingPart* source, std::string partName, const ThemeColors& theme)
         : package_(package),
           types_(types),
           sheet_(sheet),
+          theme_(theme),
           source_(source),
           partName_(std::move(partName)),
           relationships_(package, partName_),
@@ -277,7 +279,7 @@ class DrawingWriter {
         if (chart == nullptr) return;
         if (read != nullptr && read->chart && SameChartInFile(*chart, *read->chart)) return;
         const std::string chartPart = FreePartName(package_, "xl/charts/chart", ".xml");
-        package_.Put(chartPart, WriteChartPart(*chart));
+        package_.Put(chartPart, WriteChartPart(*chart, theme_));
         types_.Override(chartPart, kChartContentType);
         SetChartReference(frame, relationships_.Add(kChartType, chartPart), prefixes_);
     }
@@ -297,6 +299,7 @@ class DrawingWriter {
     Package& package_;
     ContentTypes& types_;
     const sheethost::Sheet& sheet_;
+    const ThemeColors& theme_;
     const ReadDrawingPart* source_;
     std::string partName_;
     PartRelationships relationships_;
@@ -308,9 +311,9 @@ class DrawingWriter {
 }  // namespace
 
 void ReadDrawing(const Package& package, const std::string& worksheetPart, pugi::xml_node worksheet,
-                 sheethost::Sheet& sheet) {
+                 const ThemeColors& theme, sheethost::Sheet& sheet) {
     const SheetGrid grid(sheet);
-    const auto drawing = ReadPart(package, worksheetPart, worksheet, grid);
+    const auto drawing = ReadPart(package, worksheetPart, worksheet, grid, theme);
     if (!drawing) return;
     for (ReadObject& object : drawing->objects) {
         if (!object.shape) continue;
@@ -320,16 +323,17 @@ void ReadDrawing(const Package& package, const std::string& worksheetPart, pugi:
 }
 
 void WriteDrawing(Package& package, ContentTypes& types, const std::string& worksheetPart,
-                  pugi::xml_node worksheet, const sheethost::Sheet& sheet) {
+                  pugi::xml_node worksheet, const ThemeColors& theme,
+                  const sheethost::Sheet& sheet) {
     const SheetGrid grid(sheet);
-    const auto source = ReadPart(package, worksheetPart, worksheet, grid);
+    const auto source = ReadPart(package, worksheetPart, worksheet, grid, theme);
     if (source && Unchanged(*source, sheet)) return;
     if (!source && sheet.shapes.empty()) return;
 
     PartRelationships sheetRelationships(package, worksheetPart);
     const std::string partName =
         source ? source->partName : FreePartName(package, "xl/drawings/drawing", ".xml");
-    DrawingWriter writer(package, types, sheet, source.get(), partName);
+    DrawingWriter writer(package, types, sheet, source.get(), partName, theme);
     if (!writer.Write()) {
         // Nothing left to draw: the part goes, and the worksheet's reference to it.
         sheetRelationships.RemoveTarget(partName);

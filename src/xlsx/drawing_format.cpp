@@ -80,87 +80,9 @@ double Percent(pugi::xml_node modifier) {
     return modifier.attribute("val").as_double() / 100000;
 }
 
-std::uint32_t Channel(std::uint32_t rgb, int shift) {
-    return (rgb >> shift) & 0xFF;
-}
-
-std::uint32_t Rgb(double red, double green, double blue) {
-    auto clamp = [](double value) {
-        return static_cast<std::uint32_t>(std::lround(std::clamp(value, 0.0, 255.0)));
-    };
-    return clamp(red) << 16 | clamp(green) << 8 | clamp(blue);
-}
-
-// Shades and tints darken or lighten each channel in linear light, not in the gamma-encoded
-// values the colour is written in.
-template <class Change>
-std::uint32_t InLinearLight(std::uint32_t rgb, Change change) {
-    auto channel = [&](int shift) {
-        const double encoded = Channel(rgb, shift) / 255.0;
-        const double linear =
-            encoded <= 0.04045 ? encoded / 12.92 : std::pow((encoded + 0.055) / 1.055, 2.4);
-        const double changed = std::clamp(change(linear), 0.0, 1.0);
-        const double back =
-            changed <= 0.0031308 ? changed * 12.92 : 1.055 * std::pow(changed, 1 / 2.4) - 0.055;
-        return back * 255;
-    };
-    return Rgb(channel(16), channel(8), channel(0));
-}
-
-// Luminance modulation and offset work on hue, saturation and lightness.
-std::uint32_t ScaleLightness(std::uint32_t rgb, double modulation, double offset) {
-    const double r = Channel(rgb, 16) / 255.0;
-    const double g = Channel(rgb, 8) / 255.0;
-    const double b = Channel(rgb, 0) / 255.0;
-    const double high = std::max({r, g, b});
-    const double low = std::min({r, g, b});
-    double lightness = (high + low) / 2;
-    double hue = 0;
-    double saturation = 0;
-    if (high > low) {
-        const double delta = high - low;
-        saturation = lightness > 0.5 ? delta / (2 - high - low) : delta / (high + low);
-        if (high == r) {
-            hue = (g - b) / delta + (g < b ? 6 : 0);
-        } else if (high == g) {
-            hue = (b - r) / delta + 2;
-        } else {
-            hue = (r - g) / delta + 4;
-        }
-        hue /= 6;
-    }
-    lightness = std::clamp(lightness * modulation + offset, 0.0, 1.0);
-    if (saturation == 0) return Rgb(lightness * 255, lightness * 255, lightness * 255);
-    const double q = lightness < 0.5 ? lightness * (1 + saturation)
-                                     : lightness + saturation - lightness * saturation;
-    const double p = 2 * lightness - q;
-    auto component = [&](double t) {
-        t -= std::floor(t);
-        if (t < 1.0 / 6) return p + (q - p) * 6 * t;
-        if (t < 0.5) return q;
-        if (t < 2.0 / 3) return p + (q - p) * (2.0 / 3 - t) * 6;
-        return p;
-    };
-    return Rgb(component(hue + 1.0 / 3) * 255, component(hue) * 255,
-               component(hue - 1.0 / 3) * 255);
-}
-
-std::optional<std::uint32_t> SchemeRgb(std::string_view name) {
-    constexpr std::array<std::string_view, 12> kSchemeNames{
-        "lt1",     "dk1",     "lt2",     "dk2",     "accent1", "accent2",
-        "accent3", "accent4", "accent5", "accent6", "hlink",   "folHlink"};
-    if (name == "bg1") name = "lt1";
-    if (name == "tx1") name = "dk1";
-    if (name == "bg2") name = "lt2";
-    if (name == "tx2") name = "dk2";
-    const auto found = std::find(kSchemeNames.begin(), kSchemeNames.end(), name);
-    if (found == kSchemeNames.end()) return std::nullopt;
-    return ThemeColorRgb(static_cast<int>(found - kSchemeNames.begin()));
-}
-
 // The colour a fill or colour holder element gives (srgbClr, schemeClr, sysClr, prstClr with
 // their modifiers).
-std::optional<Colour> ReadColour(pugi::xml_node holder) {
+std::optional<Colour> ReadColour(pugi::xml_node holder, const ThemeColors& theme) {
     for (pugi::xml_node node : holder.children()) {
         const std::string_view kind = LocalName(node);
         std::optional<std::uint32_t> rgb;
@@ -168,7 +90,7 @@ std::optional<Colour> ReadColour(pugi::xml_node holder) {
             rgb = static_cast<std::uint32_t>(
                 std::strtoul(node.attribute("val").value(), nullptr, 16));
         } else if (kind == "schemeClr") {
-            rgb = SchemeRgb(node.attribute("val").value());
+            rgb = theme.Named(node.attribute("val").value());
         } else if (kind == "sysClr") {
             rgb = static_cast<std::uint32_t>(
                 std::strtoul(node.attribute("lastClr").as_string("000000"), nullptr, 16));
@@ -192,10 +114,9 @@ std::optional<Colour> ReadColour(pugi::xml_node holder) {
             } else if (name == "lumOff") {
                 offset = value;
             } else if (name == "shade") {
-                colour.rgb = InLinearLight(colour.rgb, [&](double c) { return c * value; });
+                colour.rgb = ShadeColor(colour.rgb, value);
             } else if (name == "tint") {
-                colour.rgb =
-                    InLinearLight(colour.rgb, [&](double c) { return c * value + 1 - value; });
+                colour.rgb = TintColor(colour.rgb, value);
             }
         }
         if (modulation != 1 || offset != 0)
@@ -256,22 +177,24 @@ void WriteFillElement(pugi::xml_node parent, bool visible, bool patterned, int p
 }
 
 // The colour a <style> reference (lnRef, fillRef, fontRef) names.
-std::optional<Colour> StyleColour(pugi::xml_node style, std::string_view reference) {
+std::optional<Colour> StyleColour(pugi::xml_node style, std::string_view reference,
+                                  const ThemeColors& theme) {
     pugi::xml_node node = Child(style, reference);
     if (!node || node.attribute("idx").as_int(1) == 0) return std::nullopt;
-    return ReadColour(node);
+    return ReadColour(node, theme);
 }
 
 std::int32_t ColorLong(const Colour& colour) {
     return RgbToColorLong(colour.rgb);
 }
 
-Font ReadRunFont(pugi::xml_node properties, Font font) {
+Font ReadRunFont(pugi::xml_node properties, Font font, const ThemeColors& theme) {
     if (!properties) return font;
     if (auto size = properties.attribute("sz")) font.size = size.as_double() / 100;
     if (auto bold = properties.attribute("b")) font.bold = bold.as_bool();
     if (auto italic = properties.attribute("i")) font.italic = italic.as_bool();
-    if (auto colour = ReadColour(Child(properties, "solidFill"))) font.color = ColorLong(*colour);
+    if (auto colour = ReadColour(Child(properties, "solidFill"), theme))
+        font.color = ColorLong(*colour);
     const std::string_view face = Child(properties, "latin").attribute("typeface").value();
     if (!face.empty() && !face.starts_with('+')) font.name = std::string(face);
     return font;
@@ -313,7 +236,8 @@ constexpr std::int64_t kDefaultTopInset = 45720;   // 3.6 points
 
 }  // namespace
 
-FillFormat ReadFill(pugi::xml_node shapeProperties, pugi::xml_node style) {
+FillFormat ReadFill(pugi::xml_node shapeProperties, pugi::xml_node style,
+                    const ThemeColors& theme) {
     FillFormat fill;
     pugi::xml_node node = FillOf(shapeProperties);
     const std::string_view kind = node ? LocalName(node) : "";
@@ -323,16 +247,16 @@ FillFormat ReadFill(pugi::xml_node shapeProperties, pugi::xml_node style) {
         return fill;
     }
     if (kind == "solidFill") {
-        colour = ReadColour(node);
+        colour = ReadColour(node, theme);
     } else if (kind == "pattFill") {
         fill.type = sheethost::mso::kFillPatterned;
         fill.pattern = NumberOf(kPatterns, node.attribute("prst").as_string("pct5"), 1);
-        colour = ReadColour(Child(node, "fgClr"));
-        if (auto back = ReadColour(Child(node, "bgClr"))) fill.backColor = ColorLong(*back);
+        colour = ReadColour(Child(node, "fgClr"), theme);
+        if (auto back = ReadColour(Child(node, "bgClr"), theme)) fill.backColor = ColorLong(*back);
     } else if (kind == "gradFill") {
-        colour = ReadColour(Child(Child(node, "gsLst"), "gs"));
+        colour = ReadColour(Child(Child(node, "gsLst"), "gs"), theme);
     } else if (!node) {
-        colour = StyleColour(style, "fillRef");
+        colour = StyleColour(style, "fillRef", theme);
         if (!colour) fill.visible = false;
     }
     if (colour) {
@@ -342,21 +266,22 @@ FillFormat ReadFill(pugi::xml_node shapeProperties, pugi::xml_node style) {
     return fill;
 }
 
-LineFormat ReadLine(pugi::xml_node shapeProperties, pugi::xml_node style) {
+LineFormat ReadLine(pugi::xml_node shapeProperties, pugi::xml_node style,
+                    const ThemeColors& theme) {
     LineFormat line;
     pugi::xml_node ln = Child(shapeProperties, "ln");
     pugi::xml_node node = FillOf(ln);
     const std::string_view kind = node ? LocalName(node) : "";
     std::optional<Colour> colour;
     if (kind == "solidFill") {
-        colour = ReadColour(node);
+        colour = ReadColour(node, theme);
     } else if (kind == "pattFill") {
-        colour = ReadColour(Child(node, "fgClr"));
-        if (auto back = ReadColour(Child(node, "bgClr"))) line.backColor = ColorLong(*back);
+        colour = ReadColour(Child(node, "fgClr"), theme);
+        if (auto back = ReadColour(Child(node, "bgClr"), theme)) line.backColor = ColorLong(*back);
     } else if (kind == "gradFill") {
-        colour = ReadColour(Child(Child(node, "gsLst"), "gs"));
+        colour = ReadColour(Child(Child(node, "gsLst"), "gs"), theme);
     } else if (!node) {
-        colour = StyleColour(style, "lnRef");
+        colour = StyleColour(style, "lnRef", theme);
     }
     line.visible = kind != "noFill" && (node || colour);
     if (colour) {
@@ -417,7 +342,7 @@ void WriteLine(pugi::xml_node shapeProperties, const LineFormat& line,
     }
 }
 
-TextFrame ReadTextBody(pugi::xml_node textBody) {
+TextFrame ReadTextBody(pugi::xml_node textBody, const ThemeColors& theme) {
     TextFrame frame;
     pugi::xml_node body = Child(textBody, "bodyPr");
     frame.verticalAlignment = ValueOf(kAnchors, body.attribute("anchor").as_string("t"), -4160);
@@ -447,7 +372,8 @@ TextFrame ReadTextBody(pugi::xml_node textBody) {
             frame.horizontalAlignment =
                 ValueOf(kParagraphAlignments,
                         Child(paragraph, "pPr").attribute("algn").as_string("l"), -4131);
-            frame.defaultFont = ReadRunFont(Child(paragraph, "endParaRPr"), frame.defaultFont);
+            frame.defaultFont =
+                ReadRunFont(Child(paragraph, "endParaRPr"), frame.defaultFont, theme);
         } else {
             lineFeed();
         }
@@ -455,7 +381,7 @@ TextFrame ReadTextBody(pugi::xml_node textBody) {
         for (pugi::xml_node run : paragraph.children()) {
             const std::string_view kind = LocalName(run);
             if (kind == "r" || kind == "fld") {
-                append(Child(run, "t").text().get(), ReadRunFont(Child(run, "rPr"), Font{}));
+                append(Child(run, "t").text().get(), ReadRunFont(Child(run, "rPr"), Font{}, theme));
             } else if (kind == "br") {
                 lineFeed();
             }

@@ -329,7 +329,8 @@ std::string_view ObjectElementName(const Shape& shape) {
     return shape.connectorType ? "cxnSp" : "sp";
 }
 
-std::optional<Shape> ReadShapeElement(pugi::xml_node object, const Box& box) {
+std::optional<Shape> ReadShapeElement(pugi::xml_node object, const Box& box,
+                                      const ThemeColors& theme) {
     const std::string_view kind = LocalName(object);
     if (kind != "sp" && kind != "cxnSp" && kind != "graphicFrame") return std::nullopt;
     pugi::xml_node nonVisual = NonVisualProperties(object);
@@ -352,8 +353,8 @@ std::optional<Shape> ReadShapeElement(pugi::xml_node object, const Box& box) {
     }
     pugi::xml_node properties = Child(object, "spPr");
     pugi::xml_node style = Child(object, "style");
-    shape.fill = ReadFill(properties, style);
-    shape.line = ReadLine(properties, style);
+    shape.fill = ReadFill(properties, style, theme);
+    shape.line = ReadLine(properties, style, theme);
     pugi::xml_node preset = Child(properties, "prstGeom");
     const std::string_view presetName = preset.attribute("prst").value();
     if (kind == "cxnSp" || presetName == "line") {
@@ -385,7 +386,7 @@ std::optional<Shape> ReadShapeElement(pugi::xml_node object, const Box& box) {
                                                                               : mso::kAutoShape;
     }
     if (pugi::xml_node text = Child(object, "txBody")) {
-        shape.textFrame = ReadTextBody(text);
+        shape.textFrame = ReadTextBody(text, theme);
     } else if (shape.type != mso::kFreeform) {
         shape.textFrame = sheethost::TextFrame{};
     }

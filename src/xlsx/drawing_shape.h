@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "sheethost/shape_model.h"
+#include "xlsx/colors.h"
 #include "xlsx/drawing_anchor.h"
 #include "xlsx/drawing_xml.h"
 
@@ -14,7 +15,8 @@ namespace xlsx {
 // The record of an object the host models, standing in `box`: auto shapes of the geometries it
 // knows, text boxes, freeforms, lines, connectors and chart frames. Empty for anything else
 // (pictures, groups, other frames, unknown geometries), which the file keeps as it is.
-std::optional<sheethost::Shape> ReadShapeElement(pugi::xml_node object, const Box& box);
+std::optional<sheethost::Shape> ReadShapeElement(pugi::xml_node object, const Box& box,
+                                                 const ThemeColors& theme);
 
 // The element that holds the shape in a drawing: "sp", "cxnSp" or "graphicFrame".
 std::string_view ObjectElementName(const sheethost::Shape& shape);

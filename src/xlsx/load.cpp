@@ -43,7 +43,8 @@ std::shared_ptr<sheethost::Workbook> LoadXlsx(const std::filesystem::path& file)
     if (const Part* styles = package.Find(parts.stylesPart)) {
         ParseXml(stylesDocument, styles->bytes, parts.stylesPart);
     }
-    const StyleSheet styles(stylesDocument);
+    const ThemeColors theme = ReadThemeColors(package, parts.relationships);
+    const StyleSheet styles(stylesDocument, theme);
     const auto sharedStrings = ReadSharedStrings(package, parts.sharedStringsPart);
 
     auto book = std::make_shared<sheethost::Workbook>();
@@ -62,7 +63,7 @@ std::shared_ptr<sheethost::Workbook> LoadXlsx(const std::filesystem::path& file)
         sheet->name = entry.name;
         ReadWorksheet(sheetDocument.document_element(), sharedStrings, styles, *sheet);
         ReadConditionalFormats(sheetDocument.document_element(), styles, *sheet);
-        ReadDrawing(package, entry.part, sheetDocument.document_element(), *sheet);
+        ReadDrawing(package, entry.part, sheetDocument.document_element(), theme, *sheet);
         worksheetOfTab.push_back(static_cast<int>(book->sheets.size()));
         book->sheets.push_back(std::move(sheet));
     }

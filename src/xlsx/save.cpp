@@ -215,7 +215,8 @@ void SaveXlsx(const sheethost::Workbook& book, const std::filesystem::path& sour
         parts.stylesPart = "xl/styles.xml";
         editor.AddPart(parts.stylesPart, kStylesType, kStylesContentType);
     }
-    StyleSheet styles(stylesDocument);
+    const ThemeColors theme = ReadThemeColors(package, parts.relationships);
+    StyleSheet styles(stylesDocument, theme);
     const SharedStringIndex sharedStrings = IndexSharedStrings(package, parts.sharedStringsPart);
 
     std::vector<SourceSheet> sources;
@@ -262,7 +263,7 @@ void SaveXlsx(const sheethost::Workbook& book, const std::filesystem::path& sour
         WriteWorksheet(document.document_element(), sheet, styles, sharedStrings,
                        tab == book.activeSheet);
         WriteConditionalFormats(document.document_element(), styles, sheet);
-        WriteDrawing(package, editor.types, partName, document.document_element(), sheet);
+        WriteDrawing(package, editor.types, partName, document.document_element(), theme, sheet);
         package.Put(partName, SerializeXml(document));
     }
     // Sheets that are not worksheets stay, after the worksheets; worksheets the host deleted go.

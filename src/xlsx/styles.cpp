@@ -115,8 +115,8 @@ const char* AlignmentText(const AlignmentName (&names)[N], int value) {
     return nullptr;
 }
 
-int ColorIndexOf(const pugi::xml_node& color) {
-    const auto rgb = ReadColor(color);
+int ColorIndexOf(const pugi::xml_node& color, const ThemeColors& theme) {
+    const auto rgb = ReadColor(color, theme);
     return rgb ? NearestColorIndex(*rgb) : xl::kAutomatic;
 }
 
@@ -127,51 +127,51 @@ void SetColor(pugi::xml_node parent, const char* localName, int colorIndex) {
         .set_value(ArgbText(PaletteRgb(colorIndex)).c_str());
 }
 
-sheethost::CellFont ReadFont(const pugi::xml_node& node) {
+sheethost::CellFont ReadFont(const pugi::xml_node& node, const ThemeColors& theme) {
     sheethost::CellFont font;
     if (auto name = Child(node, "name")) font.name = name.attribute("val").value();
     if (auto size = Child(node, "sz")) font.size = size.attribute("val").as_double(11);
     // <b/> means bold; <b val="0"/> does not.
     if (auto bold = Child(node, "b")) font.bold = bold.attribute("val").as_bool(true);
     if (auto italic = Child(node, "i")) font.italic = italic.attribute("val").as_bool(true);
-    font.colorIndex = ColorIndexOf(Child(node, "color"));
+    font.colorIndex = ColorIndexOf(Child(node, "color"), theme);
     return font;
 }
 
-sheethost::Interior ReadFill(const pugi::xml_node& node) {
+sheethost::Interior ReadFill(const pugi::xml_node& node, const ThemeColors& theme) {
     sheethost::Interior interior;
     const pugi::xml_node pattern = Child(node, "patternFill");
     if (std::string_view(pattern.attribute("patternType").value()) != "solid") return interior;
-    const auto rgb = ReadColor(Child(pattern, "fgColor")).value_or(0xFFFFFF);
+    const auto rgb = ReadColor(Child(pattern, "fgColor"), theme).value_or(0xFFFFFF);
     interior.pattern = xl::kPatternSolid;
     interior.color = RgbToColorLong(rgb);
     interior.colorIndex = NearestColorIndex(rgb);
     return interior;
 }
 
-sheethost::Border ReadBorderEdge(const pugi::xml_node& edge) {
+sheethost::Border ReadBorderEdge(const pugi::xml_node& edge, const ThemeColors& theme) {
     sheethost::Border border;
     const std::string_view name = edge.attribute("style").value();
     for (const auto& look : kBorderLooks) {
         if (name == look.name) {
             border.lineStyle = look.lineStyle;
             border.weight = look.weight;
-            border.colorIndex = ColorIndexOf(Child(edge, "color"));
+            border.colorIndex = ColorIndexOf(Child(edge, "color"), theme);
         }
     }
     return border;
 }
 
-sheethost::CellBorders ReadBorders(const pugi::xml_node& node) {
+sheethost::CellBorders ReadBorders(const pugi::xml_node& node, const ThemeColors& theme) {
     sheethost::CellBorders borders;
     auto at = [&](int index) -> sheethost::Border& {
         return borders[static_cast<std::size_t>(index - xl::kDiagonalDown)];
     };
-    at(xl::kEdgeLeft) = ReadBorderEdge(Child(node, "left"));
-    at(xl::kEdgeTop) = ReadBorderEdge(Child(node, "top"));
-    at(xl::kEdgeBottom) = ReadBorderEdge(Child(node, "bottom"));
-    at(xl::kEdgeRight) = ReadBorderEdge(Child(node, "right"));
-    const sheethost::Border diagonal = ReadBorderEdge(Child(node, "diagonal"));
+    at(xl::kEdgeLeft) = ReadBorderEdge(Child(node, "left"), theme);
+    at(xl::kEdgeTop) = ReadBorderEdge(Child(node, "top"), theme);
+    at(xl::kEdgeBottom) = ReadBorderEdge(Child(node, "bottom"), theme);
+    at(xl::kEdgeRight) = ReadBorderEdge(Child(node, "right"), theme);
+    const sheethost::Border diagonal = ReadBorderEdge(Child(node, "diagonal"), theme);
     if (node.attribute("diagonalDown").as_bool()) at(xl::kDiagonalDown) = diagonal;
     if (node.attribute("diagonalUp").as_bool()) at(xl::kDiagonalUp) = diagonal;
     return borders;
@@ -215,7 +215,7 @@ std::string BuiltInNumberFormat(int id) {
     return {};
 }
 
-StyleSheet::StyleSheet(pugi::xml_document& document) {
+StyleSheet::StyleSheet(pugi::xml_document& document, const ThemeColors& theme) {
     if (!document.document_element()) document.load_string(kMinimalStyles);
     root_ = document.document_element();
     for (pugi::xml_node node : Children(Child(root_, "numFmts"), "numFmt")) {
@@ -223,13 +223,13 @@ StyleSheet::StyleSheet(pugi::xml_document& document) {
                                     node.attribute("formatCode").value());
     }
     for (pugi::xml_node node : Children(Child(root_, "fonts"), "font")) {
-        fonts_.push_back(ReadFont(node));
+        fonts_.push_back(ReadFont(node, theme));
     }
     for (pugi::xml_node node : Children(Child(root_, "fills"), "fill")) {
-        fills_.push_back(ReadFill(node));
+        fills_.push_back(ReadFill(node, theme));
     }
     for (pugi::xml_node node : Children(Child(root_, "borders"), "border")) {
-        borders_.push_back(ReadBorders(node));
+        borders_.push_back(ReadBorders(node, theme));
     }
     auto pick = [](const auto& list, int index) {
         using Item = typename std::decay_t<decltype(list)>::value_type;
@@ -239,13 +239,13 @@ StyleSheet::StyleSheet(pugi::xml_document& document) {
     };
     for (pugi::xml_node node : Children(Child(root_, "dxfs"), "dxf")) {
         Differential look;
-        if (pugi::xml_node color = Child(Child(node, "font"), "color"); ReadColor(color)) {
-            look.fontColorIndex = ColorIndexOf(color);
+        if (pugi::xml_node color = Child(Child(node, "font"), "color"); ReadColor(color, theme)) {
+            look.fontColorIndex = ColorIndexOf(color, theme);
         }
         // A differential fill gives its solid colour as the background colour.
         pugi::xml_node pattern = Child(Child(node, "fill"), "patternFill");
-        if (pugi::xml_node color = Child(pattern, "bgColor"); ReadColor(color)) {
-            look.interiorColorIndex = ColorIndexOf(color);
+        if (pugi::xml_node color = Child(pattern, "bgColor"); ReadColor(color, theme)) {
+            look.interiorColorIndex = ColorIndexOf(color, theme);
         }
         differentials_.push_back(look);
     }

@@ -8,14 +8,15 @@
 #include <vector>
 
 #include "sheethost/model.h"
+#include "xlsx/colors.h"
 
 namespace xlsx {
 
 class StyleSheet {
   public:
-    // Reads the document's formats; an empty document is given the minimal entries every
-    // workbook needs.
-    explicit StyleSheet(pugi::xml_document& document);
+    // Reads the document's formats, their theme colours from `theme`; an empty document is given
+    // the minimal entries every workbook needs.
+    StyleSheet(pugi::xml_document& document, const ThemeColors& theme);
 
     // The style of cellXfs entry `index` (the default style when out of range), and whether that
     // entry marks text typed with a leading apostrophe.

@@ -322,6 +322,63 @@ TEST_F(DrawingTest, ThemeColouredShapesReadAsTheSpreadsheetShowsThem) {
     EXPECT_TRUE(NearColour(bar.line.foreColor, 0x8F522F)) << std::hex << bar.line.foreColor;
 }
 
+// The same workbook made with an older theme, whose first accent is 4F81BD, and a cell filled
+// with that accent lightened by 40 per cent.
+Parts WorkbookWithOwnTheme() {
+    Parts parts = WorkbookWithPicture();
+    for (auto& [name, bytes] : parts) {
+        if (name == "xl/_rels/workbook.xml.rels") {
+            bytes.insert(
+                bytes.find("</Relationships>"),
+                R"(<Relationship Id="rId2" Type="http://schemas.openxmlformats.org/officeDocument/2006/relationships/theme" Target="theme/theme1.xml"/>)"
+                R"(<Relationship Id="rId3" Type="http://schemas.openxmlformats.org/officeDocument/2006/relationships/styles" Target="styles.xml"/>)");
+        } else if (name == "xl/worksheets/sheet1.xml") {
+            const std::string cell = R"(<sheetData><row r="1"><c r="A1" s="1"/></row></sheetData>)";
+            bytes.replace(bytes.find("<sheetData/>"), 12, cell);
+        }
+    }
+    std::string scheme;
+    for (auto [slot, rgb] : {std::pair{"dk1", "000000"},
+                             {"lt1", "FFFFFF"},
+                             {"dk2", "1F497D"},
+                             {"lt2", "EEECE1"},
+                             {"accent1", "4F81BD"},
+                             {"accent2", "C0504D"},
+                             {"accent3", "9BBB59"},
+                             {"accent4", "8064A2"},
+                             {"accent5", "4BACC6"},
+                             {"accent6", "F79646"},
+                             {"hlink", "0000FF"},
+                             {"folHlink", "800080"}}) {
+        scheme += std::string("<a:") + slot + "><a:srgbClr val=\"" + rgb + "\"/></a:" + slot + ">";
+    }
+    parts.push_back(
+        {"xl/theme/theme1.xml",
+         R"(<a:theme xmlns:a="http://schemas.openxmlformats.org/drawingml/2006/main" name="Office">)"
+         R"(<a:themeElements><a:clrScheme name="Office">)" +
+             scheme + "</a:clrScheme></a:themeElements></a:theme>"});
+    parts.push_back(
+        {"xl/styles.xml",
+         R"(<styleSheet xmlns="http://schemas.openxmlformats.org/spreadsheetml/2006/main">)"
+         R"(<fonts count="1"><font><sz val="11"/><name val="Calibri"/></font></fonts>)"
+         R"(<fills count="3"><fill><patternFill patternType="none"/></fill><fill><patternFill patternType="gray125"/></fill>)"
+         R"(<fill><patternFill patternType="solid"><fgColor theme="4" tint="0.39997558519241921"/><bgColor indexed="64"/></patternFill></fill></fills>)"
+         R"(<borders count="1"><border/></borders><cellStyleXfs count="1"><xf/></cellStyleXfs>)"
+         R"(<cellXfs count="2"><xf/><xf fillId="2" applyFill="1"/></cellXfs></styleSheet>)"});
+    return parts;
+}
+
+TEST_F(DrawingTest, ColoursComeFromTheWorkbooksOwnTheme) {
+    WriteZip(folder / "older.xlsx", WorkbookWithOwnTheme());
+    const auto book = LoadXlsx(folder / "older.xlsx");
+    const sheethost::Sheet& sheet = *book->sheets[0];
+    ASSERT_EQ(sheet.shapes.size(), 1u);
+    EXPECT_EQ(sheet.shapes[0]->fill.foreColor, 0xBD814F);
+    // "Lighter 40%" of the accent as the spreadsheet's colour picker shows it: 95B3D7.
+    const std::int32_t fill = sheethost::FindCell(sheet, 1, 1)->style.interior.color;
+    EXPECT_TRUE(NearColour(fill, 0xD7B395)) << std::hex << fill;
+}
+
 TEST_F(DrawingTest, ChangedShapesKeepWhatTheHostDoesNotModelAndPicturesStay) {
     WriteZip(folder / "made.xlsx", WorkbookWithPicture());
     const auto book = LoadXlsx(folder / "made.xlsx");
