@@ -1,7 +1,7 @@
-// Prints every formula cell of a workbook file with the value the in-memory host computes for it,
-// as JSON: [{"sheet": ..., "cell": "B7", "formula": "=...", "value": ...}, ...]. A value is a
-// number, a text, a boolean, null for an empty result, or {"error": "#DIV/0!"}. The LibreOffice
-// check compares these values with those a real spreadsheet computes for the same file.
+// Prints what the LibreOffice check compares of a workbook file, as the in-memory host reads it,
+// in JSON: every formula cell with the value the host computes for it
+// ({"sheet": ..., "cell": "B7", "formula": "=...", "value": ...}; a value is a number, a text, a
+// boolean, null for an empty result, or {"error": "#DIV/0!"}) and every shape by sheet and name.
 #include <iostream>
 #include <nlohmann/json.hpp>
 #include <variant>
@@ -31,13 +31,17 @@ nlohmann::json ValueJson(const sheethost::Value& value) {
 
 int main(int argc, char** argv) {
     if (argc != 2) {
-        std::cerr << "usage: formula_values WORKBOOK.xlsx\n";
+        std::cerr << "usage: workbook_facts WORKBOOK.xlsx\n";
         return 2;
     }
     try {
         const auto book = xlsx::LoadXlsx(argv[1]);
         nlohmann::json cells = nlohmann::json::array();
+        nlohmann::json shapes = nlohmann::json::array();
         for (const auto& sheet : book->sheets) {
+            for (const auto& shape : sheet->shapes) {
+                shapes.push_back({{"sheet", sheet->name}, {"name", shape->name}});
+            }
             for (const auto& [ref, cell] : sheet->cells) {
                 if (cell.formula.empty()) continue;
                 const sheethost::Area area{ref.row, ref.column, ref.row, ref.column};
@@ -48,7 +52,7 @@ int main(int argc, char** argv) {
                                                *book, *sheet, ref.row, ref.column))}});
             }
         }
-        std::cout << cells.dump(1) << '\n';
+        std::cout << nlohmann::json{{"formulas", cells}, {"shapes", shapes}}.dump(1) << '\n';
     } catch (const xlsx::XlsxError& error) {
         std::cerr << argv[1] << ": " << error.what() << '\n';
         return 1;

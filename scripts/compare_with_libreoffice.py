@@ -1,6 +1,8 @@
 #!/usr/bin/python3
-"""Compares the in-memory host's formula values (formula_values' JSON) with the values LibreOffice
-computed and stored in the workbook it saved. Prints every difference; exits 1 when there is one."""
+"""Compares a workbook as the in-memory host saved it with the same workbook after LibreOffice
+opened and saved it again: every formula's value (the host's, from workbook_facts, against the
+value LibreOffice computed and stored) and every shape (LibreOffice must have kept each one, as
+workbook_facts reads its file back). Prints every difference; exits 1 when there is one."""
 import datetime
 import json
 import math
@@ -38,8 +40,13 @@ def same(host, calc):
     return host == calc
 
 
-def main(host_values, recalculated):
-    cells = json.load(open(host_values, encoding="utf-8"))
+def shape_names(facts):
+    return {(shape["sheet"], shape["name"]) for shape in facts["shapes"]}
+
+
+def main(host_facts, libreoffice_facts, recalculated):
+    host = json.load(open(host_facts, encoding="utf-8"))
+    cells = host["formulas"]
     book = openpyxl.load_workbook(recalculated, data_only=True)
     differences = []
     for cell in cells:
@@ -48,11 +55,17 @@ def main(host_values, recalculated):
             differences.append(
                 f'{cell["sheet"]}!{cell["cell"]} {cell["formula"]}: '
                 f'host {json.dumps(cell["value"])}, LibreOffice {json.dumps(calc)}')
+    value_differences = len(differences)
+    shapes = shape_names(host)
+    kept = shape_names(json.load(open(libreoffice_facts, encoding="utf-8")))
+    for sheet, name in sorted(shapes - kept):
+        differences.append(f"{sheet}: shape {name} is missing after LibreOffice saved the workbook")
     for line in differences:
         print("  " + line)
-    print(f"{len(cells) - len(differences)} of {len(cells)} formulas agree with LibreOffice")
-    return 1 if differences or not cells else 0
+    print(f"{len(cells) - value_differences} of {len(cells)} formulas agree with LibreOffice; "
+          f"it kept {len(shapes & kept)} of {len(shapes)} shapes")
+    return 1 if differences or not cells or not shapes else 0
 
 
 if __name__ == "__main__":
-    sys.exit(main(sys.argv[1], sys.argv[2]))
+    sys.exit(main(sys.argv[1], sys.argv[2], sys.argv[3]))
