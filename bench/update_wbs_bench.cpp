@@ -38,33 +38,28 @@ sheethost::Sheet& TaskSheet(sheethost::Workbook& book) {
     std::exit(1);
 }
 
-// A copy of the sample whose task block is repeated `copies` times, each copy below the last;
-// the rows after the block (the table's empty bordered rows) move down below the last copy.
+// Where a row of the sample goes when its task block is repeated `copies` times, each copy below
+// the last: rows above the block stay, rows of the block go to each copy, and the rows after it
+// (the table's empty bordered rows) move below the last copy.
+std::vector<int> RowsOf(int row, int copies) {
+    if (row < kFirstTaskRow) return {row};
+    if (row > kLastSampleTaskRow) return {row + (copies - 1) * kBlockRows};
+    std::vector<int> rows;
+    for (int copy = 0; copy < copies; ++copy) rows.push_back(row + copy * kBlockRows);
+    return rows;
+}
+
+// A copy of the sample whose task block is repeated `copies` times.
 std::shared_ptr<sheethost::Workbook> Project(const std::string& sampleJson, int copies) {
     auto book = sheethost::LoadWorkbookJson(sampleJson);
     sheethost::Sheet& sheet = TaskSheet(*book);
-    const int shift = (copies - 1) * kBlockRows;
     std::map<sheethost::CellRef, sheethost::Cell> cells;
-    std::map<int, sheethost::RowInfo> rows;
     for (const auto& [ref, cell] : sheet.cells) {
-        if (ref.row < kFirstTaskRow) {
-            cells[ref] = cell;
-        } else if (ref.row > kLastSampleTaskRow) {
-            cells[{ref.row + shift, ref.column}] = cell;
-        } else {
-            for (int copy = 0; copy < copies; ++copy) {
-                cells[{ref.row + copy * kBlockRows, ref.column}] = cell;
-            }
-        }
+        for (int row : RowsOf(ref.row, copies)) cells[{row, ref.column}] = cell;
     }
+    std::map<int, sheethost::RowInfo> rows;
     for (const auto& [row, info] : sheet.rows) {
-        if (row < kFirstTaskRow) {
-            rows[row] = info;
-        } else if (row > kLastSampleTaskRow) {
-            rows[row + shift] = info;
-        } else {
-            for (int copy = 0; copy < copies; ++copy) rows[row + copy * kBlockRows] = info;
-        }
+        for (int to : RowsOf(row, copies)) rows[to] = info;
     }
     sheet.cells = std::move(cells);
     sheet.rows = std::move(rows);

@@ -9,6 +9,7 @@
 
 #include "sheethost/address.h"
 #include "sheethost/sheet_edit.h"
+#include "xlsx/sheet_read.h"
 #include "xlsx/sheet_write.h"
 #include "xlsx/xml.h"
 
@@ -74,21 +75,14 @@ std::optional<Conditions> ReadRules(pugi::xml_node element, const StyleSheet& st
 }
 
 std::optional<std::vector<Area>> ReadAreas(pugi::xml_node element) {
-    std::vector<Area> areas;
-    std::string_view rest = element.attribute("sqref").value();
-    while (!rest.empty()) {
-        const std::size_t end = rest.find(' ');
-        const auto area = sheethost::ParseArea(rest.substr(0, end));
-        if (!area) return std::nullopt;
-        const bool whole = area->WholeRows() || area->WholeColumns();
-        if (!whole && static_cast<long long>(area->Rows()) * area->Columns() > kMaxCoveredCells) {
+    auto areas = ParseSqref(element.attribute("sqref").value());
+    if (!areas || areas->empty()) return std::nullopt;
+    for (const Area& area : *areas) {
+        const bool whole = area.WholeRows() || area.WholeColumns();
+        if (!whole && static_cast<long long>(area.Rows()) * area.Columns() > kMaxCoveredCells) {
             return std::nullopt;
         }
-        areas.push_back(*area);
-        if (end == std::string_view::npos) break;
-        rest.remove_prefix(end + 1);
     }
-    if (areas.empty()) return std::nullopt;
     return areas;
 }
 
@@ -180,12 +174,7 @@ void WriteConditionalFormats(pugi::xml_node worksheet, StyleSheet& styles,
     }
     for (const auto& [conditions, areas] : GroupConditions(sheet)) {
         pugi::xml_node element = InsertInOrder(worksheet, "conditionalFormatting", kWorksheetOrder);
-        std::string references;
-        for (const Area& area : areas) {
-            if (!references.empty()) references += ' ';
-            references += sheethost::AreaAddress(area, false, false);
-        }
-        element.append_attribute("sqref").set_value(references.c_str());
+        element.append_attribute("sqref").set_value(SqrefText(areas).c_str());
         for (const FormatCondition& condition : conditions) {
             pugi::xml_node rule = element.append_child(QualifiedName(element, "cfRule").c_str());
             const bool value = condition.type == xl::kCellValue;

@@ -1,7 +1,6 @@
 #include "xlsx/drawing.h"
 
 #include <algorithm>
-#include <array>
 #include <map>
 #include <memory>
 #include <optional>
@@ -54,9 +53,7 @@ std::string ChartIdOf(pugi::xml_node frame) {
 struct ReadObject {
     pugi::xml_node anchor;
     std::optional<Shape> shape;
-    int placement = 1;
     std::optional<Chart> chart;
-    std::string chartId;
 };
 
 struct ReadDrawingPart {
@@ -87,13 +84,12 @@ std::unique_ptr<ReadDrawingPart> ReadPart(const Package& package, const std::str
         object.anchor = anchor;
         const auto anchored = ReadAnchor(anchor, grid);
         if (anchored) {
-            object.placement = anchored->placement;
             object.shape = ReadShapeElement(ObjectOf(anchor), anchored->box, theme);
         }
         if (object.shape && object.shape->type == sheethost::mso::kChart) {
-            object.chartId = ChartIdOf(ObjectOf(anchor));
+            const std::string chartId = ChartIdOf(ObjectOf(anchor));
             for (const Relationship& relationship : chartParts) {
-                if (relationship.id != object.chartId || relationship.external) continue;
+                if (relationship.id != chartId || relationship.external) continue;
                 if (const Part* chart = package.Find(relationship.target)) {
                     object.chart = ReadChartPart(chart->bytes, relationship.target);
                 }
@@ -102,7 +98,7 @@ std::unique_ptr<ReadDrawingPart> ReadPart(const Package& package, const std::str
             if (!object.chart) object.shape.reset();
         }
         if (object.shape) {
-            object.shape->placement = object.placement;
+            object.shape->placement = anchored->placement;
             if (object.chart) object.chart->shapeId = object.shape->id;
         }
         drawing->objects.push_back(std::move(object));
@@ -263,9 +259,7 @@ class DrawingWriter {
                            before->height != shape.height || before->placement != shape.placement;
         if (moved || LocalName(anchor) != "twoCellAnchor") {
             if (LocalName(anchor) != "twoCellAnchor") {
-                const std::string name =
-                    (prefixes_.xdr.empty() ? "" : prefixes_.xdr + ":") + "twoCellAnchor";
-                anchor.set_name(name.c_str());
+                anchor.set_name(Prefixed(prefixes_.xdr, "twoCellAnchor").c_str());
             }
             WriteAnchor(anchor, shape.placement,
                         Box{shape.left, shape.top, shape.width, shape.height}, grid_, prefixes_);
@@ -284,15 +278,12 @@ class DrawingWriter {
         SetChartReference(frame, relationships_.Add(kChartType, chartPart), prefixes_);
     }
 
-    // Charts and pictures no longer shown lose their relationship; a chart part that nothing
-    // else shows goes too.
+    // Charts and pictures no longer shown lose their relationship (the save removes the parts
+    // nothing leads to any more).
     void DropUnusedRelationships(pugi::xml_node root) {
         const std::set<std::string> used = UsedIds(root, prefixes_.r);
         for (const std::string& id : relationships_.Ids()) {
-            if (used.contains(id)) continue;
-            const std::string target = relationships_.TargetOf(id);
-            relationships_.Remove(id);
-            if (target.starts_with("xl/charts/")) RemovePart(package_, types_, target);
+            if (!used.contains(id)) relationships_.Remove(id);
         }
     }
 
@@ -335,10 +326,10 @@ void WriteDrawing(Package& package, ContentTypes& types, const std::string& work
         source ? source->partName : FreePartName(package, "xl/drawings/drawing", ".xml");
     DrawingWriter writer(package, types, sheet, source.get(), partName, theme);
     if (!writer.Write()) {
-        // Nothing left to draw: the part goes, and the worksheet's reference to it.
+        // Nothing left to draw: the worksheet no longer refers to the part, which the save then
+        // removes.
         sheetRelationships.RemoveTarget(partName);
         sheetRelationships.Store();
-        RemovePart(package, types, partName);
         worksheet.remove_child(Child(worksheet, "drawing"));
         return;
     }

@@ -8,15 +8,15 @@
 namespace xlsx {
 namespace {
 
+// The edges of lines 1 to one past the last line with a record (index 0 unused), from the size
+// the host gives each line.
 template <class Info, class Size>
-std::vector<double> Edges(const std::map<int, Info>& lines, double standard, Size size) {
+std::vector<double> Edges(const std::map<int, Info>& lines, Size size) {
     const int last = lines.empty() ? 0 : lines.rbegin()->first;
     std::vector<double> edges(static_cast<std::size_t>(last) + 2);
-    for (int line = 1; line <= last + 1; ++line) {
-        const std::size_t at = static_cast<std::size_t>(line);
-        if (line == 1) continue;
-        const auto found = lines.find(line - 1);
-        edges[at] = edges[at - 1] + (found == lines.end() ? standard : size(found->second));
+    for (int line = 2; line <= last + 1; ++line) {
+        const auto at = static_cast<std::size_t>(line);
+        edges[at] = edges[at - 1] + size(line - 1);
     }
     return edges;
 }
@@ -41,11 +41,6 @@ std::pair<int, double> LineAt(const std::vector<double>& edges, double standard,
     const int line = std::max(1, static_cast<int>(found - edges.begin()) - 1);
     return {line, at - edges[static_cast<std::size_t>(line)]};
 }
-
-struct Marker {
-    int line0 = 0;  // 0-based, as the file counts
-    std::int64_t offset = 0;
-};
 
 std::optional<std::pair<double, double>> ReadMarker(pugi::xml_node marker, const SheetGrid& grid) {
     if (!marker) return std::nullopt;
@@ -82,17 +77,9 @@ void WriteMarker(pugi::xml_node anchor, std::string_view name, double x, double 
 }  // namespace
 
 SheetGrid::SheetGrid(const sheethost::Sheet& sheet)
-    : lefts_(Edges(sheet.columns, sheethost::CharactersToPoints(sheethost::kStandardColumnWidth),
-                   [&](const sheethost::ColumnInfo& info) {
-                       return info.hidden ? 0.0
-                                          : sheethost::CharactersToPoints(info.width.value_or(
-                                                sheethost::kStandardColumnWidth));
-                   })),
-      tops_(Edges(sheet.rows, sheethost::kStandardRowHeight,
-                  [](const sheethost::RowInfo& info) {
-                      return info.hidden ? 0.0
-                                         : info.height.value_or(sheethost::kStandardRowHeight);
-                  })),
+    : lefts_(Edges(sheet.columns,
+                   [&](int column) { return sheethost::ColumnWidthPoints(sheet, column); })),
+      tops_(Edges(sheet.rows, [&](int row) { return sheethost::RowHeightPoints(sheet, row); })),
       standardWidth_(sheethost::CharactersToPoints(sheethost::kStandardColumnWidth)) {}
 
 double SheetGrid::Left(int column) const {

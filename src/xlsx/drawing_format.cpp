@@ -146,8 +146,7 @@ pugi::xml_node ReplaceFill(pugi::xml_node parent, std::string_view localName,
                            const DrawingPrefixes& prefixes) {
     pugi::xml_node old = FillOf(parent);
     pugi::xml_node fill;
-    const std::string name =
-        prefixes.a.empty() ? std::string(localName) : prefixes.a + ":" + std::string(localName);
+    const std::string name = Prefixed(prefixes.a, localName);
     if (old) {
         fill = parent.insert_child_before(name.c_str(), old);
         parent.remove_child(old);
@@ -231,6 +230,26 @@ std::string_view TextOf(const std::array<std::pair<std::string_view, int>, N>& t
     return table[0].first;
 }
 
+// The colours of a fill element of a shape's properties or outline: the colour it shows (a
+// pattern's foreground, a gradient's first stop) and a pattern's background. Without a fill
+// element, the colour the shape's theme style gives through `reference`.
+struct FillColours {
+    std::optional<Colour> fore;
+    std::optional<Colour> back;
+};
+
+FillColours ColoursOf(pugi::xml_node fill, pugi::xml_node style, std::string_view reference,
+                      const ThemeColors& theme) {
+    const std::string_view kind = LocalName(fill);
+    if (!fill) return {StyleColour(style, reference, theme), std::nullopt};
+    if (kind == "solidFill") return {ReadColour(fill, theme), std::nullopt};
+    if (kind == "pattFill") {
+        return {ReadColour(Child(fill, "fgClr"), theme), ReadColour(Child(fill, "bgClr"), theme)};
+    }
+    if (kind == "gradFill") return {ReadColour(Child(Child(fill, "gsLst"), "gs"), theme), {}};
+    return {};
+}
+
 constexpr std::int64_t kDefaultSideInset = 91440;  // 7.2 points
 constexpr std::int64_t kDefaultTopInset = 45720;   // 3.6 points
 
@@ -240,29 +259,21 @@ FillFormat ReadFill(pugi::xml_node shapeProperties, pugi::xml_node style,
                     const ThemeColors& theme) {
     FillFormat fill;
     pugi::xml_node node = FillOf(shapeProperties);
-    const std::string_view kind = node ? LocalName(node) : "";
-    std::optional<Colour> colour;
-    if (kind == "noFill" || (!node && !style)) {
+    if (LocalName(node) == "noFill" || (!node && !style)) {
         fill.visible = false;
         return fill;
     }
-    if (kind == "solidFill") {
-        colour = ReadColour(node, theme);
-    } else if (kind == "pattFill") {
+    if (LocalName(node) == "pattFill") {
         fill.type = sheethost::mso::kFillPatterned;
         fill.pattern = NumberOf(kPatterns, node.attribute("prst").as_string("pct5"), 1);
-        colour = ReadColour(Child(node, "fgClr"), theme);
-        if (auto back = ReadColour(Child(node, "bgClr"), theme)) fill.backColor = ColorLong(*back);
-    } else if (kind == "gradFill") {
-        colour = ReadColour(Child(Child(node, "gsLst"), "gs"), theme);
-    } else if (!node) {
-        colour = StyleColour(style, "fillRef", theme);
-        if (!colour) fill.visible = false;
     }
-    if (colour) {
-        fill.foreColor = ColorLong(*colour);
-        fill.transparency = Transparency(*colour);
+    const FillColours colours = ColoursOf(node, style, "fillRef", theme);
+    if (!node && !colours.fore) fill.visible = false;
+    if (colours.fore) {
+        fill.foreColor = ColorLong(*colours.fore);
+        fill.transparency = Transparency(*colours.fore);
     }
+    if (colours.back) fill.backColor = ColorLong(*colours.back);
     return fill;
 }
 
@@ -271,23 +282,13 @@ LineFormat ReadLine(pugi::xml_node shapeProperties, pugi::xml_node style,
     LineFormat line;
     pugi::xml_node ln = Child(shapeProperties, "ln");
     pugi::xml_node node = FillOf(ln);
-    const std::string_view kind = node ? LocalName(node) : "";
-    std::optional<Colour> colour;
-    if (kind == "solidFill") {
-        colour = ReadColour(node, theme);
-    } else if (kind == "pattFill") {
-        colour = ReadColour(Child(node, "fgClr"), theme);
-        if (auto back = ReadColour(Child(node, "bgClr"), theme)) line.backColor = ColorLong(*back);
-    } else if (kind == "gradFill") {
-        colour = ReadColour(Child(Child(node, "gsLst"), "gs"), theme);
-    } else if (!node) {
-        colour = StyleColour(style, "lnRef", theme);
+    const FillColours colours = ColoursOf(node, style, "lnRef", theme);
+    line.visible = LocalName(node) != "noFill" && (node || colours.fore);
+    if (colours.fore) {
+        line.foreColor = ColorLong(*colours.fore);
+        line.transparency = Transparency(*colours.fore);
     }
-    line.visible = kind != "noFill" && (node || colour);
-    if (colour) {
-        line.foreColor = ColorLong(*colour);
-        line.transparency = Transparency(*colour);
-    }
+    if (colours.back) line.backColor = ColorLong(*colours.back);
     if (auto width = ln.attribute("w")) line.weight = EmuToPoints(width.as_llong());
     line.style = NumberOf(kCompounds, ln.attribute("cmpd").as_string("sng"), 1);
     if (pugi::xml_node dash = Child(ln, "prstDash")) {
@@ -314,7 +315,7 @@ void WriteLine(pugi::xml_node shapeProperties, const LineFormat& line,
     pugi::xml_node ln = Child(shapeProperties, "ln");
     if (!ln) {
         pugi::xml_node fill = FillOf(shapeProperties);
-        const std::string name = prefixes.a.empty() ? "ln" : prefixes.a + ":ln";
+        const std::string name = Prefixed(prefixes.a, "ln");
         ln = fill ? shapeProperties.insert_child_after(name.c_str(), fill)
                   : shapeProperties.append_child(name.c_str());
     }
@@ -328,14 +329,13 @@ void WriteLine(pugi::xml_node shapeProperties, const LineFormat& line,
         if (pugi::xml_node old = Child(ln, name)) ln.remove_child(old);
     }
     // prstDash follows the fill; the ends follow the join, which stays where it was.
-    pugi::xml_node dash = ln.insert_child_after(
-        (prefixes.a.empty() ? std::string("prstDash") : prefixes.a + ":prstDash").c_str(),
-        FillOf(ln));
+    pugi::xml_node dash =
+        ln.insert_child_after(Prefixed(prefixes.a, "prstDash").c_str(), FillOf(ln));
     SetAttribute(dash, "val", NameOf(kDashes, line.dashStyle));
     pugi::xml_node extensions = Child(ln, "extLst");
     for (auto [name, style] : {std::pair<const char*, int>{"headEnd", line.beginArrowheadStyle},
                                {"tailEnd", line.endArrowheadStyle}}) {
-        const std::string qualified = prefixes.a.empty() ? name : prefixes.a + ":" + name;
+        const std::string qualified = Prefixed(prefixes.a, name);
         pugi::xml_node end = extensions ? ln.insert_child_before(qualified.c_str(), extensions)
                                         : ln.append_child(qualified.c_str());
         SetAttribute(end, "type", NameOf(kArrowheads, style));

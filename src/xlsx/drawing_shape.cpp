@@ -148,15 +148,16 @@ std::string_view ConnectorPreset(const Shape& shape) {
     return kConnectorPresets[static_cast<std::size_t>(std::clamp(type, 1, 3) - 1)];
 }
 
-// The adjustments of a preset, as fractions (the file writes them in hundred-thousandths).
-std::vector<double> ReadAdjustments(pugi::xml_node geometry, int autoShapeType) {
+// The adjustments of a preset, as fractions (the file writes them in hundred-thousandths); the
+// preset's own when the file gives none.
+std::vector<double> ReadAdjustments(pugi::xml_node geometry, std::vector<double> preset) {
     std::vector<double> values;
     for (pugi::xml_node guide : Children(Child(geometry, "avLst"), "gd")) {
         const std::string_view formula = guide.attribute("fmla").value();
         if (!formula.starts_with("val ")) continue;
         values.push_back(std::strtod(std::string(formula.substr(4)).c_str(), nullptr) / 100000);
     }
-    return values.empty() ? sheethost::DefaultAdjustments(autoShapeType) : values;
+    return values.empty() ? preset : values;
 }
 
 void WriteAdjustments(pugi::xml_node geometry, const std::vector<double>& adjustments,
@@ -200,8 +201,8 @@ void WritePath(pugi::xml_node geometry, const Shape& shape, const DrawingPrefixe
     for (std::string_view name : {"avLst", "gdLst", "ahLst", "cxnLst"}) {
         AddElement(geometry, prefixes.a, name);
     }
-    SetAttribute(AddElement(geometry, prefixes.a, "rect"), "l", "0");
-    pugi::xml_node rect = Child(geometry, "rect");
+    pugi::xml_node rect = AddElement(geometry, prefixes.a, "rect");
+    SetAttribute(rect, "l", "0");
     SetAttribute(rect, "t", "0");
     SetAttribute(rect, "r", "r");
     SetAttribute(rect, "b", "b");
@@ -268,9 +269,7 @@ void WriteTransform(pugi::xml_node object, const Shape& shape, const DrawingPref
     pugi::xml_node transform = Transform(object);
     if (!transform) {
         pugi::xml_node parent = frame ? object : Child(object, "spPr");
-        const std::string name = (frame ? prefixes.xdr : prefixes.a).empty()
-                                     ? std::string("xfrm")
-                                     : (frame ? prefixes.xdr : prefixes.a) + ":xfrm";
+        const std::string name = Prefixed(frame ? prefixes.xdr : prefixes.a, "xfrm");
         pugi::xml_node after = frame ? NonVisualProperties(object) : pugi::xml_node();
         transform = after ? parent.insert_child_after(name.c_str(), after)
                           : parent.prepend_child(name.c_str());
@@ -291,8 +290,7 @@ void WriteGeometry(pugi::xml_node properties, const Shape& shape, const DrawingP
     pugi::xml_node old = Child(properties, "prstGeom");
     if (!old) old = Child(properties, "custGeom");
     const bool freeform = shape.type == mso::kFreeform;
-    const std::string name =
-        (prefixes.a.empty() ? "" : prefixes.a + ":") + (freeform ? "custGeom" : "prstGeom");
+    const std::string name = Prefixed(prefixes.a, freeform ? "custGeom" : "prstGeom");
     pugi::xml_node geometry;
     if (old) {
         geometry = properties.insert_child_before(name.c_str(), old);
@@ -363,11 +361,9 @@ std::optional<Shape> ReadShapeElement(pugi::xml_node object, const Box& box,
         shape.connectorType = connector;
         shape.type = presetName == "line" ? mso::kLine : mso::kAutoShape;
         shape.autoShapeType = mso::kShapeMixed;
-        if (*connector != mso::kConnectorStraight) {
-            // An elbow or curve bends halfway unless the file says otherwise.
-            shape.adjustments = ReadAdjustments(preset, 0);
-            if (shape.adjustments.empty()) shape.adjustments = {0.5};
-        }
+        // An elbow or curve bends halfway unless the file says otherwise.
+        if (*connector != mso::kConnectorStraight)
+            shape.adjustments = ReadAdjustments(preset, {0.5});
         pugi::xml_node connections = Child(nonVisual, "cNvCxnSpPr");
         shape.beginConnection = ReadConnection(Child(connections, "stCxn"));
         shape.endConnection = ReadConnection(Child(connections, "endCxn"));
@@ -381,7 +377,7 @@ std::optional<Shape> ReadShapeElement(pugi::xml_node object, const Box& box,
         const auto type = AutoShapeTypeOf(presetName);
         if (!type) return std::nullopt;
         shape.autoShapeType = *type;
-        shape.adjustments = ReadAdjustments(preset, *type);
+        shape.adjustments = ReadAdjustments(preset, sheethost::DefaultAdjustments(*type));
         shape.type = Child(nonVisual, "cNvSpPr").attribute("txBox").as_bool() ? mso::kTextBox
                                                                               : mso::kAutoShape;
     }

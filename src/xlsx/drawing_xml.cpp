@@ -22,11 +22,14 @@ DrawingPrefixes DrawingPrefixes::Bind(pugi::xml_node root) {
                            NamespacePrefix(root, kChartNamespace, "c")};
 }
 
+std::string Prefixed(std::string_view prefix, std::string_view localName) {
+    if (prefix.empty()) return std::string(localName);
+    return std::string(prefix) + ":" + std::string(localName);
+}
+
 pugi::xml_node AddElement(pugi::xml_node parent, std::string_view prefix,
                           std::string_view localName) {
-    const std::string name = prefix.empty() ? std::string(localName)
-                                            : std::string(prefix) + ":" + std::string(localName);
-    return parent.append_child(name.c_str());
+    return parent.append_child(Prefixed(prefix, localName).c_str());
 }
 
 pugi::xml_node ChildOrAdd(pugi::xml_node parent, std::string_view prefix,

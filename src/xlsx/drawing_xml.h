@@ -42,6 +42,9 @@ struct DrawingPrefixes {
     static DrawingPrefixes Bind(pugi::xml_node root);
 };
 
+// "prefix:localName", or the local name alone for an empty prefix.
+std::string Prefixed(std::string_view prefix, std::string_view localName);
+
 // Appends <prefix:localName>.
 pugi::xml_node AddElement(pugi::xml_node parent, std::string_view prefix,
                           std::string_view localName);

@@ -151,15 +151,6 @@ std::string PartRelationships::Add(std::string_view type, const std::string& tar
     return id;
 }
 
-std::string PartRelationships::TargetOf(std::string_view id) const {
-    for (pugi::xml_node node : Children(document_.document_element(), "Relationship")) {
-        if (node.attribute("Id").value() != id) continue;
-        if (std::string_view(node.attribute("TargetMode").value()) == "External") return "";
-        return ResolveTarget(sourcePart_, node.attribute("Target").value());
-    }
-    return "";
-}
-
 std::vector<std::string> PartRelationships::Ids() const {
     std::vector<std::string> ids;
     for (pugi::xml_node node : Children(document_.document_element(), "Relationship")) {

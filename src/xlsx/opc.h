@@ -75,8 +75,6 @@ class PartRelationships {
     PartRelationships(Package& package, std::string sourcePart);
     // Relates a part to the source part; answers the new relationship's id.
     std::string Add(std::string_view type, const std::string& targetPart);
-    // The part the relationship `id` targets; empty when there is none or it is external.
-    std::string TargetOf(std::string_view id) const;
     std::vector<std::string> Ids() const;
     void Remove(std::string_view id);
     // Removes the relationships that target the part.

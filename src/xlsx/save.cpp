@@ -62,15 +62,13 @@ struct WorkbookEditor {
         return relationships.Add(type, partName);
     }
 
-    // Drops a part the workbook no longer uses, with its relationships and content type.
-    void DropPart(const std::string& partName) {
-        RemovePart(package, types, partName);
-        relationships.RemoveTarget(partName);
-    }
+    // Unrelates a part the workbook no longer uses; Store removes it.
+    void DropPart(const std::string& partName) { relationships.RemoveTarget(partName); }
 
-    // Stores the edits. The parts that only the parts this save dropped led to (the drawing,
-    // charts and pictures of a deleted sheet) go with them; `reachedBefore` is what the package
-    // reached before.
+    // Stores the edits. Every part the package reached before (`reachedBefore`) and no longer
+    // reaches goes, with its relationships and content type: the parts this save dropped and
+    // what only they led to (the drawing, charts and pictures of a deleted sheet, a chart no
+    // longer shown).
     void Store(const std::set<std::string>& reachedBefore) {
         relationships.Store();
         const std::set<std::string> reached = ReachableParts(package);

@@ -164,6 +164,21 @@ double CharactersToFileWidth(double characters) {
     return std::trunc((characters * kDigitPixels + kPaddingPixels) / kDigitPixels * 256) / 256;
 }
 
+std::optional<std::vector<sheethost::Area>> ParseSqref(std::string_view text) {
+    std::vector<sheethost::Area> areas;
+    while (!text.empty()) {
+        const std::size_t end = text.find(' ');
+        if (end != 0) {
+            const auto area = sheethost::ParseArea(text.substr(0, end));
+            if (!area) return std::nullopt;
+            areas.push_back(*area);
+        }
+        if (end == std::string_view::npos) break;
+        text.remove_prefix(end + 1);
+    }
+    return areas;
+}
+
 void ReadWorksheet(const pugi::xml_node& worksheet, const std::vector<std::string>& sharedStrings,
                    const StyleSheet& styles, sheethost::Sheet& sheet) {
     sheet.codeName = Child(worksheet, "sheetPr").attribute("codeName").value();

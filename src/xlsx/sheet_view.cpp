@@ -1,12 +1,11 @@
 #include "xlsx/sheet_view.h"
 
 #include <array>
-#include <sstream>
 #include <string>
 #include <string_view>
 
 #include "sheethost/address.h"
-#include "sheethost/formula.h"
+#include "xlsx/sheet_read.h"
 #include "xlsx/sheet_write.h"
 #include "xlsx/xml.h"
 
@@ -28,23 +27,6 @@ pugi::xml_node ActiveSelection(pugi::xml_node view) {
     return {};
 }
 
-std::string CellName(int row, int column) {
-    return sheethost::ColumnLetters(column) + std::to_string(row);
-}
-
-// Blocks as the file lists them: corners without dollars, whole rows and columns spelled out.
-std::string Sqref(const std::vector<sheethost::Area>& areas) {
-    std::string text;
-    for (const sheethost::Area& area : areas) {
-        if (!text.empty()) text += ' ';
-        text += CellName(area.top, area.left);
-        if (area.bottom != area.top || area.right != area.left) {
-            text += ':' + CellName(area.bottom, area.right);
-        }
-    }
-    return text;
-}
-
 }  // namespace
 
 void ReadSheetView(pugi::xml_node worksheet, sheethost::Sheet& sheet) {
@@ -57,11 +39,8 @@ void ReadSheetView(pugi::xml_node worksheet, sheethost::Sheet& sheet) {
     if (const auto active = sheethost::ParseArea(selection.attribute("activeCell").value())) {
         sheet.activeCell = {active->top, active->left};
     }
-    std::vector<sheethost::Area> areas;
-    std::istringstream blocks(selection.attribute("sqref").value());
-    for (std::string block; blocks >> block;) {
-        if (const auto area = sheethost::ParseArea(block)) areas.push_back(*area);
-    }
+    const std::vector<sheethost::Area> areas =
+        ParseSqref(selection.attribute("sqref").value()).value_or(std::vector<sheethost::Area>{});
     sheet.selection =
         areas.empty()
             ? std::vector<sheethost::Area>{{sheet.activeCell.row, sheet.activeCell.column,
@@ -96,7 +75,9 @@ void WriteSheetView(pugi::xml_node worksheet, const sheethost::Sheet& sheet, boo
     selection.remove_attribute("activeCellId");
     selection.remove_attribute("sqref");
     selection.append_attribute("activeCell")
-        .set_value(CellName(sheet.activeCell.row, sheet.activeCell.column).c_str());
+        .set_value(SqrefText({{sheet.activeCell.row, sheet.activeCell.column, sheet.activeCell.row,
+                               sheet.activeCell.column}})
+                       .c_str());
     // The active cell lies in the first block unless it says which.
     for (std::size_t at = 1; at < sheet.selection.size(); ++at) {
         if (sheet.selection[0].Contains(sheet.activeCell.row, sheet.activeCell.column)) break;
@@ -105,7 +86,7 @@ void WriteSheetView(pugi::xml_node worksheet, const sheethost::Sheet& sheet, boo
             break;
         }
     }
-    selection.append_attribute("sqref").set_value(Sqref(sheet.selection).c_str());
+    selection.append_attribute("sqref").set_value(SqrefText(sheet.selection).c_str());
 }
 
 }  // namespace xlsx

@@ -159,6 +159,21 @@ void WriteCodeName(pugi::xml_node worksheet, const std::string& codeName) {
 
 }  // namespace
 
+std::string SqrefText(const std::vector<sheethost::Area>& areas) {
+    auto cell = [](int row, int column) {
+        return sheethost::ColumnLetters(column) + std::to_string(row);
+    };
+    std::string text;
+    for (const sheethost::Area& area : areas) {
+        if (!text.empty()) text += ' ';
+        text += cell(area.top, area.left);
+        if (area.bottom != area.top || area.right != area.left) {
+            text += ':' + cell(area.bottom, area.right);
+        }
+    }
+    return text;
+}
+
 void WriteWorksheet(pugi::xml_node worksheet, const sheethost::Sheet& sheet, StyleSheet& styles,
                     const SharedStringIndex& sharedStrings, bool active) {
     WriteCodeName(worksheet, sheet.codeName);

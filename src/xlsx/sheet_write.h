@@ -6,6 +6,7 @@
 #include <pugixml.hpp>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "sheethost/model.h"
 #include "xlsx/styles.h"
@@ -61,6 +62,10 @@ inline constexpr const char* kEmptyWorksheet =
     R"(<worksheet xmlns="http://schemas.openxmlformats.org/spreadsheetml/2006/main" )"
     R"(xmlns:r="http://schemas.openxmlformats.org/officeDocument/2006/relationships">)"
     R"(<sheetData/></worksheet>)";
+
+// A list of blocks as the file writes references: corners without dollars, whole rows and
+// columns spelled out ("A1:B3 A7:XFD7").
+std::string SqrefText(const std::vector<sheethost::Area>& areas);
 
 // Replaces the code name, view, columns, rows and cells of the <worksheet> element with the
 // sheet's, and marks its tab selected when it is the active sheet. Formulas are written without
