@@ -149,9 +149,10 @@ std::optional<Chart> ReadChartPart(const std::string& bytes, const std::string& 
     result.chartType = *chartType;
     pugi::xml_node title = Child(chart, "title");
     result.hasTitle = title && !Child(chart, "autoTitleDeleted").attribute("val").as_bool();
-    for (pugi::xml_node paragraph : Children(Child(Child(title, "tx"), "rich"), "p")) {
-        if (!result.title.empty()) result.title += '\n';
-        result.title += JoinedText(paragraph);
+    const auto paragraphs = Children(Child(Child(title, "tx"), "rich"), "p");
+    for (std::size_t at = 0; at < paragraphs.size(); ++at) {
+        if (at > 0) result.title += '\n';
+        result.title += JoinedText(paragraphs[at]);
     }
     if (pugi::xml_node category = Child(plotArea, "dateAx")) {
         result.categoryAxis.hasAxis = !Child(category, "delete").attribute("val").as_bool();

@@ -239,13 +239,13 @@ StyleSheet::StyleSheet(pugi::xml_document& document, const ThemeColors& theme) {
     };
     for (pugi::xml_node node : Children(Child(root_, "dxfs"), "dxf")) {
         Differential look;
-        if (pugi::xml_node color = Child(Child(node, "font"), "color"); ReadColor(color, theme)) {
-            look.fontColorIndex = ColorIndexOf(color, theme);
+        if (auto rgb = ReadColor(Child(Child(node, "font"), "color"), theme)) {
+            look.fontColorIndex = NearestColorIndex(*rgb);
         }
         // A differential fill gives its solid colour as the background colour.
         pugi::xml_node pattern = Child(Child(node, "fill"), "patternFill");
-        if (pugi::xml_node color = Child(pattern, "bgColor"); ReadColor(color, theme)) {
-            look.interiorColorIndex = ColorIndexOf(color, theme);
+        if (auto rgb = ReadColor(Child(pattern, "bgColor"), theme)) {
+            look.interiorColorIndex = NearestColorIndex(*rgb);
         }
         differentials_.push_back(look);
     }
