@@ -39,6 +39,9 @@ struct CalendarDay {
 
 // Reads the CS* cells of the engine's settings sheet into the engine's calendar settings.
 void LoadCalendarSettings();
+// The engine's calendar settings record: kpInit creates it empty, kpQuit frees it.
+void CreateCalendarSettings();
+void FreeCalendarSettings();
 
 // Empties the calendar-day list and fills it from the sheet whose code name is "wsCalendar":
 // rows 3 down to the first empty date in column B, keyed by the date as "yyyy/mm/dd".

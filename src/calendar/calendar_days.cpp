@@ -1,6 +1,6 @@
 #include "calendar/calendar.h"
-#include "engine/engine_state.h"
-#include "engine/strdict.h"
+#include "core/engine_state.h"
+#include "core/strdict.h"
 #include "values/values.h"
 #include "workbook/workbook.h"
 
@@ -14,8 +14,10 @@ constexpr std::int64_t kEndColumn = 4;
 
 // Keyed by the date as "yyyy/mm/dd", in sheet order.
 StrDict<CalendarDay>& CalendarDays() {
-    static StrDict<CalendarDay> days(Ownership::kOwnsRecords);
-    return days;
+    // Never destroyed: unloading the library without kpQuit must not free what the host
+    // may already have freed. kpQuit empties it.
+    static auto* const days = new StrDict<CalendarDay>(Ownership::kOwnsRecords);
+    return *days;
 }
 
 }  // namespace

@@ -1,5 +1,5 @@
 #include "calendar/calendar.h"
-#include "engine/engine_state.h"
+#include "core/engine_state.h"
 #include "values/values.h"
 #include "workbook/workbook.h"
 
@@ -25,4 +25,14 @@ void LoadCalendarSettings() {
     settings.headerRow1 = settings.CSWeekdayRow - 2;
     settings.headerRow2 = settings.CSWeekdayRow - 1;
     settings.firstBodyRow = settings.CSWeekdayRow + 1;
+}
+
+void CreateCalendarSettings() {
+    FreeCalendarSettings();
+    Engine().calendarSettings = new CalendarSettings();
+}
+
+void FreeCalendarSettings() {
+    delete Engine().calendarSettings;
+    Engine().calendarSettings = nullptr;
 }

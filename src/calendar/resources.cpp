@@ -1,7 +1,7 @@
 #include "calendar/resources.h"
 
-#include "engine/engine_state.h"
-#include "engine/strdict.h"
+#include "core/engine_state.h"
+#include "core/strdict.h"
 #include "workbook/workbook.h"
 
 namespace {
@@ -13,8 +13,10 @@ constexpr std::int64_t kKeyColumn = 3;
 
 // Keyed by the hexadecimal bytes of each resource's key text, in sheet order.
 StrDict<ResourceRecord>& Resources() {
-    static StrDict<ResourceRecord> resources(Ownership::kOwnsRecords);
-    return resources;
+    // Never destroyed: unloading the library without kpQuit must not free what the host
+    // may already have freed. kpQuit empties it.
+    static auto* const resources = new StrDict<ResourceRecord>(Ownership::kOwnsRecords);
+    return *resources;
 }
 
 }  // namespace

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <string_view>
 
-#include "engine/clock.h"
+#include "core/clock.h"
 #include "values/values.h"
 #include "wbs/task_table.h"
 

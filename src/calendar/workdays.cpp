@@ -1,7 +1,7 @@
 #include <cmath>
 
 #include "calendar/calendar.h"
-#include "engine/engine_state.h"
+#include "core/engine_state.h"
 #include "settings/settings.h"
 #include "values/values.h"
 

@@ -5,12 +5,13 @@
 #include <string>
 
 #include "calendar/calendar.h"
-#include "engine/clock.h"
-#include "engine/engine_state.h"
+#include "core/clock.h"
+#include "core/engine_state.h"
+#include "engine/lifecycle.h"
 #include "engine/refresh.h"
-#include "engine/visible_rows.h"
 #include "settings/settings.h"
 #include "wbs/task_table.h"
+#include "wbs/visible_rows.h"
 #include "wbs/wbs_update.h"
 #include "workbook/automation.h"
 
@@ -21,11 +22,18 @@ IDispatch* Dereference(IDispatch** reference) {
     return reference != nullptr ? *reference : nullptr;
 }
 
+// The runtime's error number belongs to the call that raised it: an error of an earlier command
+// must not make a later kpSetWorkBook fail.
+void BeginExport() {
+    SetLastRuntimeError(0);
+}
+
 }  // namespace
 
 extern "C" {
 
 void kpInit() {
+    BeginExport();
     automation::AutomationInit(TRUE, TRUE);
     automation::ToggleErrors(FALSE);
     ReleaseEngineObjects();
@@ -33,6 +41,7 @@ void kpInit() {
 }
 
 void kpQuit() {
+    BeginExport();
     automation::AutomationShutdown(FALSE);
     FreeResources();
     FreeCalendarDays();
@@ -40,11 +49,13 @@ void kpQuit() {
 }
 
 std::int32_t kpSetWorkBook(IDispatch** workbook) {
+    BeginExport();
     BindWorkbook(Dereference(workbook));
     return Engine().lastRuntimeError;
 }
 
 void kpDrawCalendar(std::int32_t unit) {
+    BeginExport();
     if (unit > 0) {
         EngineSettingsSheet().RangeOf("CSCalendarUnit").SetValue(std::to_string(unit));
     }
@@ -55,6 +66,7 @@ void kpDrawCalendar(std::int32_t unit) {
 }
 
 void kpDrawGanntChart(std::int32_t style) {
+    BeginExport();
     EngineSettingsSheet().RangeOf("GanntBarStyle").SetValue(std::to_string(style));
     if (!RefreshSettings()) {
         return;
@@ -70,10 +82,29 @@ void kpDrawGanntChart(std::int32_t style) {
 }
 
 void kpUpdateWBS() {
-    UpdateWbsCommand();
+    BeginExport();
+    if (!RefreshSettings()) {
+        return;
+    }
+    LoadResources();
+    SettingsRecord& settings = EngineSettings();
+    const std::int64_t savedRescheduleFlag = settings.rescheduleFlag;
+    settings.rescheduleFlag = 0;
+    TaskTable_Load();
+    // Rows the user hid by hand are taken over as the filter.
+    settings.filterRows = VisibleRowsText();
+    if (!settings.filterRows.empty()) {
+        ApplyVisibleRows("");
+    }
+    UpdatePass();
+    settings.rescheduleFlag = savedRescheduleFlag;
+    if (!settings.filterRows.empty()) {
+        ApplyVisibleRows(settings.filterRows);
+    }
 }
 
 void kpWBSReschedule() {
+    BeginExport();
     if (!RefreshSettings()) {
         return;
     }
@@ -95,11 +126,13 @@ void kpWBSReschedule() {
 }
 
 void kpWBSEventOnChange(IDispatch** target) {
+    BeginExport();
     const XlObject range(Dereference(target));
     // The sheet-change handler runs here with `range` once the sheet events are built.
 }
 
 void kpWBSEventOnSelectionChange(IDispatch** target) {
+    BeginExport();
     const XlObject range(Dereference(target));
     // The selection-change handler runs here with `range` once the sheet events are built.
 }

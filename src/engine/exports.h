@@ -8,7 +8,7 @@
 #include <cstdint>
 
 #include "com/com.h"
-#include "engine/messages.h"
+#include "core/messages.h"
 
 extern "C" {
 

@@ -2,7 +2,7 @@
 #include <cstdint>
 
 #include "calendar/calendar.h"
-#include "engine/engine_state.h"
+#include "core/engine_state.h"
 #include "gantt/gantt.h"
 #include "settings/settings.h"
 #include "values/values.h"

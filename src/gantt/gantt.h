@@ -8,6 +8,7 @@
 #include <string_view>
 
 #include "com/text.h"
+#include "core/engine_state.h"
 #include "wbs/task_table.h"
 #include "workbook/workbook.h"
 
@@ -33,11 +34,10 @@ struct GanttStyles {
     std::int64_t barStyle = 0;
 };
 
-// The engine's Gantt drawing state: kpInit creates it empty, kpQuit frees it (releasing the
-// templates). Commands use it in between.
+// The engine's Gantt drawing state (EngineGanttStyles): kpInit creates it empty, kpQuit frees it
+// (releasing the templates). Commands use it in between.
 void CreateGanttStyles();
 void FreeGanttStyles();
-GanttStyles& EngineGanttStyles();
 
 // Fills the drawing state from the settings and task sheets (part of the refresh).
 void LoadGanttStyles();

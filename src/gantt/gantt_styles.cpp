@@ -1,13 +1,9 @@
-#include <memory>
-
-#include "engine/engine_state.h"
+#include "core/engine_state.h"
 #include "gantt/gantt.h"
 #include "settings/settings.h"
 #include "values/values.h"
 
 namespace {
-
-std::unique_ptr<GanttStyles> ganttStyles;
 
 std::string NameOrDefault(const XlObject& templateShape, std::string_view usualName) {
     std::string name = templateShape.IsNothing() ? std::string() : templateShape.GetName();
@@ -17,15 +13,13 @@ std::string NameOrDefault(const XlObject& templateShape, std::string_view usualN
 }  // namespace
 
 void CreateGanttStyles() {
-    ganttStyles = std::make_unique<GanttStyles>();
+    FreeGanttStyles();
+    Engine().ganttStyles = new GanttStyles();
 }
 
 void FreeGanttStyles() {
-    ganttStyles.reset();
-}
-
-GanttStyles& EngineGanttStyles() {
-    return *ganttStyles;
+    delete Engine().ganttStyles;
+    Engine().ganttStyles = nullptr;
 }
 
 void LoadGanttStyles() {

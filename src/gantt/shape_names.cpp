@@ -2,7 +2,7 @@
 #include <string>
 #include <vector>
 
-#include "engine/engine_state.h"
+#include "core/engine_state.h"
 #include "gantt/gantt.h"
 #include "workbook/automation.h"
 

@@ -4,7 +4,7 @@
 #include <string>
 #include <utility>
 
-#include "engine/engine_state.h"
+#include "core/engine_state.h"
 #include "gantt/gantt.h"
 
 namespace {

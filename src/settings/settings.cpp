@@ -1,8 +1,8 @@
 #include "settings/settings.h"
 
 #include "calendar/calendar.h"
-#include "engine/engine_state.h"
-#include "engine/messages.h"
+#include "core/engine_state.h"
+#include "core/messages.h"
 #include "values/values.h"
 #include "workbook/workbook.h"
 
@@ -134,4 +134,14 @@ std::int64_t LastTableRow() {
         ++row;
     }
     return row - 1;
+}
+
+void CreateSettingsRecord() {
+    FreeSettingsRecord();
+    Engine().settings = new SettingsRecord();
+}
+
+void FreeSettingsRecord() {
+    delete Engine().settings;
+    Engine().settings = nullptr;
 }

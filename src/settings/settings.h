@@ -88,6 +88,10 @@ struct SettingsRecord {
 // division error and returns false before changing anything, and the command must stop.
 bool LoadSettings();
 
+// The engine's settings record: kpInit creates it empty, kpQuit frees it.
+void CreateSettingsRecord();
+void FreeSettingsRecord();
+
 // The last row, from the first task row on, whose last table column still has a right border;
 // firstTaskRow - 1 when the first row has none.
 std::int64_t LastTableRow();

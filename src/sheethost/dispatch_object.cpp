@@ -22,6 +22,9 @@ struct Diagnostics {
     std::vector<std::string>* log = nullptr;
     // Invoke calls in progress: only the outermost one was sent from outside the host.
     int depth = 0;
+    // After CloseHost, every call is one the spreadsheet program would take into freed memory.
+    bool closed = false;
+    long callsAfterClose = 0;
 };
 
 // Never destroyed: objects released during static destruction still find it.
@@ -422,6 +425,12 @@ void ResetCallCount() {
 void SetMemberLog(std::vector<std::string>* log) {
     State().log = log;
 }
+void CloseHost() {
+    State().closed = true;
+}
+long CallsAfterClose() {
+    return State().callsAfterClose;
+}
 
 CountedObject::CountedObject() {
     State().live.insert(this);
@@ -430,9 +439,11 @@ CountedObject::~CountedObject() {
     State().live.erase(this);
 }
 ULONG CountedObject::AddReference() {
+    if (State().closed) ++State().callsAfterClose;
     return ++references_;
 }
 ULONG CountedObject::ReleaseReference() {
+    if (State().closed) ++State().callsAfterClose;
     return --references_;
 }
 
@@ -498,6 +509,7 @@ HRESULT DispatchObject::Invoke(DISPID dispId, REFIID riid, LCID, WORD flags, DIS
     Diagnostics& state = State();
     const bool outermost = state.depth == 0;
     if (outermost) ++state.calls;
+    if (state.closed) ++state.callsAfterClose;
     if (!IsEqualIID(riid, IID_NULL)) return DISP_E_UNKNOWNINTERFACE;
     if (params == nullptr || (params->cArgs > 0 && params->rgvarg == nullptr)) {
         return E_INVALIDARG;

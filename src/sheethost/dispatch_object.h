@@ -146,6 +146,10 @@ void ResetCallCount();
 // (a refused call ends with " -> 0x80020009" and the like). Null stops logging; the log must
 // outlive the calls made while it is set.
 void SetMemberLog(std::vector<std::string>* log);
+// Plays the spreadsheet program closing the workbook: from now on every AddRef, Release or Invoke
+// on a host object is counted as a call the program would take into freed memory. Nothing reopens.
+void CloseHost();
+long CallsAfterClose();
 
 // Reference counting and live-object accounting shared by dispatch objects and enumerators.
 class CountedObject {

@@ -3,7 +3,7 @@
 #include <optional>
 
 #include "calendar/task_tests.h"
-#include "engine/engine_state.h"
+#include "core/engine_state.h"
 #include "gantt/templates.h"
 #include "settings/settings.h"
 

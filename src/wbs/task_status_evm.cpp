@@ -1,6 +1,6 @@
 #include <cstdint>
 
-#include "engine/clock.h"
+#include "core/clock.h"
 #include "values/values.h"
 #include "wbs/task_status.h"
 

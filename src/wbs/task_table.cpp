@@ -5,7 +5,7 @@
 #include <memory>
 
 #include "calendar/task_tests.h"
-#include "engine/engine_state.h"
+#include "core/engine_state.h"
 #include "settings/settings.h"
 #include "values/values.h"
 
@@ -110,11 +110,13 @@ void TaskTable_Init() {
         table->pool.Add(std::to_string(n), new TaskRecord());
     }
     table->poolSize = kInitialPoolSize;
-    Engine().tasks = std::move(table);
+    TaskTable_Free();
+    Engine().tasks = table.release();
 }
 
 void TaskTable_Free() {
-    Engine().tasks.reset();
+    delete Engine().tasks;
+    Engine().tasks = nullptr;
 }
 
 void TaskTable_Load() {

@@ -16,7 +16,7 @@
 #include <string_view>
 
 #include "calendar/calendar.h"
-#include "engine/strdict.h"
+#include "core/strdict.h"
 
 // A rectangle in points on the task sheet.
 struct BarRect {

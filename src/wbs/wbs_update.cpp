@@ -4,10 +4,8 @@
 
 #include "calendar/calendar.h"
 #include "calendar/task_tests.h"
-#include "engine/engine_state.h"
-#include "engine/messages.h"
-#include "engine/refresh.h"
-#include "engine/visible_rows.h"
+#include "core/engine_state.h"
+#include "core/messages.h"
 #include "settings/settings.h"
 #include "values/values.h"
 #include "wbs/task_status.h"
@@ -78,27 +76,6 @@ void WriteWorkMinutes(const TaskRecord& task) {
 }
 
 }  // namespace
-
-void UpdateWbsCommand() {
-    if (!RefreshSettings()) {
-        return;
-    }
-    LoadResources();
-    SettingsRecord& settings = EngineSettings();
-    const std::int64_t savedRescheduleFlag = settings.rescheduleFlag;
-    settings.rescheduleFlag = 0;
-    TaskTable_Load();
-    // Rows the user hid by hand are taken over as the filter.
-    settings.filterRows = VisibleRowsText();
-    if (!settings.filterRows.empty()) {
-        ApplyVisibleRows("");
-    }
-    UpdatePass();
-    settings.rescheduleFlag = savedRescheduleFlag;
-    if (!settings.filterRows.empty()) {
-        ApplyVisibleRows(settings.filterRows);
-    }
-}
 
 void UpdatePass() {
     const CalendarDay* currentDay = nullptr;

@@ -9,11 +9,6 @@
 
 #include "wbs/task_table.h"
 
-// The whole of kpUpdateWBS: refreshes the settings, loads the resources and the task table, shows
-// every task row while the pass writes (taking over the rows the user hid by hand), runs the pass
-// without rescheduling, and hides the same rows again.
-void UpdateWbsCommand();
-
 // The walk over every task of the loaded table. Places tasks first when the settings' reschedule
 // flag is set.
 void UpdatePass();

@@ -1,7 +1,7 @@
 #include <string>
 #include <vector>
 
-#include "engine/engine_state.h"
+#include "core/engine_state.h"
 #include "settings/settings.h"
 #include "wbs/wbs_update.h"
 

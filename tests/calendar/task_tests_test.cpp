@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "engine/clock.h"
+#include "core/clock.h"
 #include "values/values.h"
 #include "wbs/task_table.h"
 

@@ -4,7 +4,7 @@
 #include <memory>
 
 #include "calendar/calendar.h"
-#include "engine/engine_state.h"
+#include "core/engine_state.h"
 #include "settings/settings.h"
 #include "values/values.h"
 
@@ -33,16 +33,16 @@ TEST(Workdays, CountAndAddWholeDaySteps) {
 class DateToColumnTest : public ::testing::Test {
   protected:
     void SetUp() override {
-        Engine().settings = std::make_unique<SettingsRecord>();
-        Engine().calendarSettings = std::make_unique<CalendarSettings>();
+        CreateSettingsRecord();
+        CreateCalendarSettings();
         EngineSettings().projectStart = start_;
         EngineSettings().projectEnd = end_;
         EngineSettings().calendarFirstColNo = 20;
         EngineCalendarSettings().CSCalendarUnit = 60;
     }
     void TearDown() override {
-        Engine().settings.reset();
-        Engine().calendarSettings.reset();
+        FreeSettingsRecord();
+        FreeCalendarSettings();
     }
 
     const double start_ = 45383 + values::TimeSerial(8, 0, 0);

@@ -10,7 +10,9 @@
 //     scenario_host WORKBOOK.json "YYYY-MM-DD HH:MM" REPORT COMMAND...
 //
 // A COMMAND is an export name followed by its whole-number arguments after a colon:
-// kpUpdateWBS, kpDrawGanntChart:1, kpTasksOffset:1,3.
+// kpUpdateWBS, kpDrawGanntChart:1, kpTasksOffset:1,3. The last COMMAND may be FreeLibrary: the
+// spreadsheet program then closes the workbook and unloads the library without kpQuit, and the
+// report says whether the library touched a host object after the host closed.
 #include <algorithm>
 #include <cstdint>
 #include <cstdio>
@@ -162,13 +164,24 @@ int main(int argc, char** argv) {
     Export<void (*)(double)>("kpSetStatusDate")(*now);
     const std::int32_t bound = Export<std::int32_t (*)(IDispatch**)>("kpSetWorkBook")(&workbook);
     std::vector<std::string> unknown;
-    for (int i = 4; i < argc; ++i) {
+    const bool unloadWithoutQuit = std::string(argv[argc - 1]) == "FreeLibrary";
+    for (int i = 4; i < argc - (unloadWithoutQuit ? 1 : 0); ++i) {
         if (!RunCommand(argv[i])) {
             unknown.push_back(argv[i]);
         }
     }
-    Export<void (*)()>("kpQuit")();
-    workbook->Release();
+    if (unloadWithoutQuit) {
+        // The program frees its objects first; whatever the library still holds is then gone.
+        workbook->Release();
+        sheethost::CloseHost();
+#ifdef _WIN32
+        FreeLibrary(library);
+        library = nullptr;
+#endif
+    } else {
+        Export<void (*)()>("kpQuit")();
+        workbook->Release();
+    }
 
     std::ostringstream report;
     report << "kpSetWorkBook: " << bound << '\n';
@@ -180,9 +193,18 @@ int main(int argc, char** argv) {
         report << message << '\n';
     }
     const auto live = sheethost::LiveObjectReport();
-    const bool leftoversExplained = live == ExpectedLeftovers(*book);
-    report << "host objects referenced after kpQuit: " << live.size()
-           << (leftoversExplained ? " (the kept sheet references)" : " (UNEXPECTED)") << '\n';
+    bool leftoversExplained = true;
+    if (unloadWithoutQuit) {
+        // The references the library held are forgotten, never released, at unload.
+        leftoversExplained = sheethost::CallsAfterClose() == 0;
+        report << "calls into the closed host while unloading: " << sheethost::CallsAfterClose()
+               << '\n';
+        report << "host objects still referenced: " << live.size() << '\n';
+    } else {
+        leftoversExplained = live == ExpectedLeftovers(*book);
+        report << "host objects referenced after kpQuit: " << live.size()
+               << (leftoversExplained ? " (the kept sheet references)" : " (UNEXPECTED)") << '\n';
+    }
     for (const std::string& object : live) {
         report << object << '\n';
     }
@@ -191,10 +213,15 @@ int main(int argc, char** argv) {
     std::ofstream out(argv[3], std::ios::binary | std::ios::trunc);
     out << report.str();
 #ifdef _WIN32
-    FreeLibrary(library);
+    if (library != nullptr) {
+        FreeLibrary(library);
+    }
 #endif
     if (!leftoversExplained) {
-        std::cerr << argv[1] << ": host objects outlive kpQuit beyond the kept sheet references\n";
+        std::cerr << argv[1]
+                  << (unloadWithoutQuit
+                          ? ": the library called into the host after it closed\n"
+                          : ": host objects outlive kpQuit beyond the kept sheet references\n");
     }
     // Binding never fails, not even when a sheet is missing: its reference just stays null.
     if (bound != 0) {

@@ -6,16 +6,16 @@
 #include <string>
 #include <vector>
 
-#include "engine/clock.h"
-#include "engine/engine_state.h"
-#include "engine/messages.h"
+#include "core/clock.h"
+#include "core/engine_state.h"
+#include "core/messages.h"
 #include "engine/refresh.h"
-#include "engine/visible_rows.h"
 #include "settings/settings.h"
 #include "sheethost/dispatch_object.h"
 #include "support/project_json.h"
 #include "values/values.h"
 #include "wbs/task_table.h"
+#include "wbs/visible_rows.h"
 
 namespace {
 
@@ -124,7 +124,7 @@ TEST_F(BindingTest, SecondBindingReplacesWithoutReleasing) {
     EXPECT_EQ(References(bookObject_), 1u);
 }
 
-TEST_F(BindingTest, ZeroCalendarUnitIsReportedAndStopsTheCommand) {
+TEST_F(BindingTest, ZeroCalendarUnitStopsTheCommandAndItsErrorStaysWithIt) {
     sheethost::Sheet& settings = AddSheet("Settings", "wsSettings");
     sheethost::CellAt(settings, 3, 3).value = 0.0;
     book_->names.push_back({"CSCalendarUnit", "='Settings'!$C$3"});
@@ -137,10 +137,9 @@ TEST_F(BindingTest, ZeroCalendarUnitIsReportedAndStopsTheCommand) {
 
     kpDrawCalendar(0);
     EXPECT_EQ(icons.size(), 1u);
-    EXPECT_EQ(SetWorkBook(), kRuntimeErrorDivisionByZero);
+    EXPECT_EQ(Engine().lastRuntimeError, kRuntimeErrorDivisionByZero);
 
-    // A fresh engine has no failure on record.
-    kpInit();
+    // The error number belongs to the command that raised it: binding again succeeds.
     EXPECT_EQ(SetWorkBook(), 0);
 }
 

@@ -12,7 +12,7 @@
 #include "calendar/bstr.h"
 #include "calendar/calendar.h"
 #include "calendar/task_tests.h"
-#include "engine/engine_state.h"
+#include "core/engine_state.h"
 #include "engine/refresh.h"
 #include "settings/settings.h"
 #include "sheethost/sheethost.h"

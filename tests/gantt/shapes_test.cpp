@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "engine/engine_state.h"
+#include "core/engine_state.h"
 #include "engine/refresh.h"
 #include "gantt/gantt.h"
 #include "support/project_json.h"

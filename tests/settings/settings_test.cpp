@@ -5,7 +5,7 @@
 #include <string>
 
 #include "calendar/calendar.h"
-#include "engine/engine_state.h"
+#include "core/engine_state.h"
 #include "support/engine_workbook.h"
 #include "values/values.h"
 

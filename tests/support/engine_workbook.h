@@ -16,7 +16,7 @@
 #include <vector>
 
 #include "com/text.h"
-#include "engine/engine_state.h"
+#include "core/engine_state.h"
 #include "engine/exports.h"
 #include "sheethost/model.h"
 #include "sheethost/objects.h"

@@ -23,7 +23,7 @@
 #include <vector>
 
 #include "com/text.h"
-#include "engine/clock.h"
+#include "core/clock.h"
 #include "engine/exports.h"
 #include "sheethost/cell_values.h"
 #include "sheethost/sheethost.h"

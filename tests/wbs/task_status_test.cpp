@@ -7,7 +7,7 @@
 
 #include <cmath>
 
-#include "engine/clock.h"
+#include "core/clock.h"
 #include "engine/exports.h"
 #include "support/project_json.h"
 

@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "calendar/bstr.h"
-#include "engine/engine_state.h"
+#include "core/engine_state.h"
 #include "engine/refresh.h"
 #include "settings/settings.h"
 #include "support/project_json.h"

@@ -8,7 +8,7 @@
 #include <set>
 #include <string>
 
-#include "engine/clock.h"
+#include "core/clock.h"
 #include "engine/exports.h"
 #include "support/project_json.h"
 #include "values/values.h"

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "engine/engine_state.h"
+#include "core/engine_state.h"
 #include "engine/exports.h"
 #include "settings/settings.h"
 #include "sheethost/dispatch_object.h"

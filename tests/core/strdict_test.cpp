@@ -1,5 +1,5 @@
 // The dictionary's order, look-up and freeing rules.
-#include "engine/strdict.h"
+#include "core/strdict.h"
 
 #include <gtest/gtest.h>
 

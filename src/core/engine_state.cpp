@@ -1,17 +1,11 @@
-#include "engine/engine_state.h"
+#include "core/engine_state.h"
 
-#include "calendar/calendar.h"
-#include "gantt/gantt.h"
-#include "settings/settings.h"
-#include "wbs/task_table.h"
 #include "workbook/automation.h"
 
-EngineState::EngineState() = default;
-EngineState::~EngineState() = default;
-
 EngineState& Engine() {
-    static EngineState state;
-    return state;
+    // Deliberately never destroyed: see the header.
+    static EngineState* const state = new EngineState();
+    return *state;
 }
 
 namespace {
@@ -39,6 +33,9 @@ XlObject EngineResourceSheet() {
     return ViewOf(Engine().resourceSheet);
 }
 
+GanttStyles& EngineGanttStyles() {
+    return *Engine().ganttStyles;
+}
 SettingsRecord& EngineSettings() {
     return *Engine().settings;
 }
@@ -68,36 +65,6 @@ XlRef SheetByCodeName(std::string_view codeName) {
             return found;
         }
     }
-}
-
-void BindWorkbook(IDispatch* workbook) {
-    EngineState& state = Engine();
-    state.workbook = std::make_unique<XlRef>();
-    state.workbook->Attach(workbook);
-    state.wbsSheet = std::make_unique<XlRef>(SheetByCodeName("wsWBS"));
-    state.settingsSheet = std::make_unique<XlRef>(SheetByCodeName("wsSettings"));
-    state.resourceSheet = std::make_unique<XlRef>(SheetByCodeName("wsResource"));
-}
-
-void ReleaseEngineObjects() {
-    EngineState& state = Engine();
-    state.workbook.reset();
-    state.wbsSheet.reset();
-    state.settingsSheet.reset();
-    state.resourceSheet.reset();
-    FreeGanttStyles();
-    state.calendarSettings.reset();
-    state.settings.reset();
-    TaskTable_Free();
-}
-
-void CreateEngineObjects() {
-    EngineState& state = Engine();
-    state.lastRuntimeError = 0;
-    CreateGanttStyles();
-    state.calendarSettings = std::make_unique<CalendarSettings>();
-    state.settings = std::make_unique<SettingsRecord>();
-    TaskTable_Init();
 }
 
 void SetLastRuntimeError(std::int32_t number) {

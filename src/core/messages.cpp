@@ -1,4 +1,4 @@
-#include "engine/messages.h"
+#include "core/messages.h"
 
 #include "com/text.h"
 

@@ -1,9 +1,9 @@
-#include "engine/visible_rows.h"
+#include "wbs/visible_rows.h"
 
 #include <cstdint>
 #include <cstdio>
 
-#include "engine/engine_state.h"
+#include "core/engine_state.h"
 #include "settings/settings.h"
 #include "wbs/task_table.h"
 

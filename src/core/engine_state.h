@@ -1,12 +1,13 @@
 // The engine state: what lives from kpInit to kpQuit and is shared by every command.
 //
 // The workbook and its three sheets are held by XlRef holders: the references belong to the
-// workbook's macros, which passed them in, so the engine never releases them. The records are
-// created empty by kpInit and freed by kpQuit. The Gantt drawing state lives with the chart drawing
-// and the calendar-day and resource lists with the calendar, which create, load and free them.
+// workbook's macros, which passed them in, so the engine never releases them. The subsystem records
+// are created empty by kpInit and freed by kpQuit, each by the subsystem that owns it; the state
+// only points at them, so this floor knows no subsystem beyond the names of its records.
 //
-// The record accessors are meant for commands running between kpInit and kpQuit; outside that span
-// the records do not exist.
+// The state itself is never destroyed. When the spreadsheet program unloads the library without a
+// kpQuit, the host objects and wide strings the records still hold may already be gone: they are
+// forgotten then, never released. Only kpQuit releases.
 #pragma once
 
 #include <cstdint>
@@ -16,24 +17,23 @@
 #include "com/com.h"
 #include "workbook/workbook.h"
 
-struct SettingsRecord;
+struct GanttStyles;
 struct CalendarSettings;
+struct SettingsRecord;
 struct TaskTable;
 
 struct EngineState {
-    EngineState();
-    ~EngineState();
-    EngineState(const EngineState&) = delete;
-    EngineState& operator=(const EngineState&) = delete;
-
     std::unique_ptr<XlRef> workbook;
     std::unique_ptr<XlRef> wbsSheet;
     std::unique_ptr<XlRef> settingsSheet;
     std::unique_ptr<XlRef> resourceSheet;
-    std::unique_ptr<CalendarSettings> calendarSettings;
-    std::unique_ptr<SettingsRecord> settings;
-    std::unique_ptr<TaskTable> tasks;
-    // The runtime's error number of the last run-time failure; 0 when none happened.
+    // Owned by their subsystems' create and free functions; null outside kpInit .. kpQuit.
+    GanttStyles* ganttStyles = nullptr;
+    CalendarSettings* calendarSettings = nullptr;
+    SettingsRecord* settings = nullptr;
+    TaskTable* tasks = nullptr;
+    // The runtime's error number of the current export's last run-time failure; 0 when none
+    // happened. Every export starts with it cleared.
     std::int32_t lastRuntimeError = 0;
 };
 
@@ -47,6 +47,8 @@ XlObject EngineWbsSheet();
 XlObject EngineSettingsSheet();
 XlObject EngineResourceSheet();
 
+// The records; meant for commands running between kpInit and kpQuit.
+GanttStyles& EngineGanttStyles();
 SettingsRecord& EngineSettings();
 CalendarSettings& EngineCalendarSettings();
 TaskTable& EngineTasks();
@@ -55,17 +57,6 @@ TaskTable& EngineTasks();
 // reference the enumeration handed out for it is kept (the holder never releases it); every other
 // worksheet is released. Null when there is none or the workbook cannot be enumerated.
 XlRef SheetByCodeName(std::string_view codeName);
-
-// Binds the workbook as the caller's reference stands (no reference is taken) and looks up the WBS,
-// settings and resource sheets by code name. Holders bound earlier are replaced without releasing
-// what they hold.
-void BindWorkbook(IDispatch* workbook);
-
-// Creates the empty records in the order the engine needs them: Gantt drawing state, calendar
-// settings, settings, task table. A fresh engine has no run-time failure on record.
-void CreateEngineObjects();
-// Forgets the workbook and sheets (nothing is released) and frees the records.
-void ReleaseEngineObjects();
 
 // Records a run-time failure: the command that hits it stops, and kpSetWorkBook reports it.
 void SetLastRuntimeError(std::int32_t number);

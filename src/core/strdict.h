@@ -17,7 +17,7 @@ enum class Ownership { kOwnsRecords, kIndexesOnly };
 
 template <typename Record>
 class StrDict {
-public:
+  public:
     explicit StrDict(Ownership ownership) : ownership_(ownership) {}
     ~StrDict();
     StrDict(const StrDict&) = delete;
@@ -39,7 +39,7 @@ public:
     // own entries are cleared first, as by Clear(true); the copied ones are never deleted by it.
     void CopyFrom(const StrDict& other);
 
-private:
+  private:
     // Hashes std::string and std::string_view alike, so a look-up by view makes no copy.
     struct KeyHash {
         using is_transparent = void;
@@ -58,4 +58,4 @@ private:
     std::unordered_map<std::string, std::int64_t, KeyHash, std::equal_to<>> firstIndex_;
 };
 
-#include "engine/strdict_impl.h"
+#include "core/strdict_impl.h"
