@@ -22,18 +22,21 @@ IDispatch* Dereference(IDispatch** reference) {
     return reference != nullptr ? *reference : nullptr;
 }
 
-// The runtime's error number belongs to the call that raised it: an error of an earlier command
-// must not make a later kpSetWorkBook fail.
-void BeginExport() {
-    SetLastRuntimeError(0);
-}
+// What every export does around its own steps. The runtime's error number belongs to the call
+// that raised it: an error of an earlier command must not make a later kpSetWorkBook fail.
+class ExportScope {
+  public:
+    ExportScope() { SetLastRuntimeError(0); }
+    ExportScope(const ExportScope&) = delete;
+    ExportScope& operator=(const ExportScope&) = delete;
+};
 
 }  // namespace
 
 extern "C" {
 
 void kpInit() {
-    BeginExport();
+    const ExportScope scope;
     automation::AutomationInit(TRUE, TRUE);
     automation::ToggleErrors(FALSE);
     ReleaseEngineObjects();
@@ -41,7 +44,7 @@ void kpInit() {
 }
 
 void kpQuit() {
-    BeginExport();
+    const ExportScope scope;
     automation::AutomationShutdown(FALSE);
     FreeResources();
     FreeCalendarDays();
@@ -49,13 +52,13 @@ void kpQuit() {
 }
 
 std::int32_t kpSetWorkBook(IDispatch** workbook) {
-    BeginExport();
+    const ExportScope scope;
     BindWorkbook(Dereference(workbook));
     return Engine().lastRuntimeError;
 }
 
 void kpDrawCalendar(std::int32_t unit) {
-    BeginExport();
+    const ExportScope scope;
     if (unit > 0) {
         EngineSettingsSheet().RangeOf("CSCalendarUnit").SetValue(std::to_string(unit));
     }
@@ -66,7 +69,7 @@ void kpDrawCalendar(std::int32_t unit) {
 }
 
 void kpDrawGanntChart(std::int32_t style) {
-    BeginExport();
+    const ExportScope scope;
     EngineSettingsSheet().RangeOf("GanntBarStyle").SetValue(std::to_string(style));
     if (!RefreshSettings()) {
         return;
@@ -82,7 +85,7 @@ void kpDrawGanntChart(std::int32_t style) {
 }
 
 void kpUpdateWBS() {
-    BeginExport();
+    const ExportScope scope;
     if (!RefreshSettings()) {
         return;
     }
@@ -104,7 +107,7 @@ void kpUpdateWBS() {
 }
 
 void kpWBSReschedule() {
-    BeginExport();
+    const ExportScope scope;
     if (!RefreshSettings()) {
         return;
     }
@@ -126,13 +129,13 @@ void kpWBSReschedule() {
 }
 
 void kpWBSEventOnChange(IDispatch** target) {
-    BeginExport();
+    const ExportScope scope;
     const XlObject range(Dereference(target));
     // The sheet-change handler runs here with `range` once the sheet events are built.
 }
 
 void kpWBSEventOnSelectionChange(IDispatch** target) {
-    BeginExport();
+    const ExportScope scope;
     const XlObject range(Dereference(target));
     // The selection-change handler runs here with `range` once the sheet events are built.
 }
