@@ -236,6 +236,8 @@ struct Workbook {
     // spreadsheet counts on and does not reuse the names of renamed sheets.
     int lastSheetNumber = 0;
     int lastChartNumber = 0;
+    // The program's Application.ScreenUpdating, which a command switches off while it works.
+    bool screenUpdating = true;
 };
 
 // Style lookups and cell access that keep the format inheritance (cell, row, column, default).
