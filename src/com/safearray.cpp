@@ -106,8 +106,7 @@ HRESULT CellOffset(const SAFEARRAY* array, const LONG* indices, std::size_t& off
     for (UINT d = 1; d <= array->cDims; ++d) {
         const SAFEARRAYBOUND& bound = BoundOf(array, d);
         const LONG index = indices[d - 1];
-        if (index < bound.lLbound ||
-            static_cast<ULONG>(index - bound.lLbound) >= bound.cElements) {
+        if (index < bound.lLbound || static_cast<ULONG>(index - bound.lLbound) >= bound.cElements) {
             return DISP_E_BADINDEX;
         }
         offset += static_cast<std::size_t>(index - bound.lLbound) * stride;

@@ -14,6 +14,7 @@
 #include "wbs/visible_rows.h"
 #include "wbs/wbs_update.h"
 #include "workbook/automation.h"
+#include "workbook/workbook.h"
 
 namespace {
 
@@ -23,12 +24,35 @@ IDispatch* Dereference(IDispatch** reference) {
 }
 
 // What every export does around its own steps. The runtime's error number belongs to the call
-// that raised it: an error of an earlier command must not make a later kpSetWorkBook fail.
+// that raised it: an error of an earlier command must not make a later kpSetWorkBook fail. The
+// program does not redraw while the command writes, and its screen updating is put back as it
+// was however the command ends.
 class ExportScope {
   public:
-    ExportScope() { SetLastRuntimeError(0); }
+    ExportScope() {
+        SetLastRuntimeError(0);
+        const XlObject workbook = EngineWorkbook();
+        if (workbook.IsNothing()) {
+            return;
+        }
+        application_ = workbook.GetObject("Application");
+        screenWasUpdating_ =
+            application_.GetTriState("ScreenUpdating") == XlObject::TriState::kTrue;
+        if (screenWasUpdating_) {
+            application_.Put(".ScreenUpdating=%b", FALSE);
+        }
+    }
+    ~ExportScope() {
+        if (screenWasUpdating_) {
+            application_.Put(".ScreenUpdating=%b", TRUE);
+        }
+    }
     ExportScope(const ExportScope&) = delete;
     ExportScope& operator=(const ExportScope&) = delete;
+
+  private:
+    XlObject application_;
+    bool screenWasUpdating_ = false;
 };
 
 }  // namespace
