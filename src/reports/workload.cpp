@@ -116,9 +116,8 @@ void CollectWorkload() {
     ReadReportTasks();
     const SettingsRecord& settings = EngineSettings();
     const double lastDay = std::floor(LatestTaskDate(settings.projectStart, false));
-    for (std::int64_t row = settings.firstTaskRow; row <= settings.lastTableRow; ++row) {
-        TaskRecord* task = Tasks_ByRow(row);
-        if (task == nullptr) break;
+    // Every task row, whether or not the table's border reaches it.
+    for (TaskRecord* task = Tasks_First(); task != nullptr; task = Tasks_Next(*task)) {
         if (ParseTaskCycle(*task) || values::Val(task->pvText) <= 0 || task->isLeaf == 0 ||
             task->plannedStart == 0 || task->plannedEnd == 0) {
             continue;
