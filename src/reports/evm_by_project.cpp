@@ -198,10 +198,18 @@ void WriteProjectEvmReport() {
     const std::int64_t top = totals + 2;
     WriteCumulativeTable(sheet, count, top);
     BlankFuturePeriods(sheet, count, top, today);
-    AddReportChart(sheet, title, RowFormula("B#:E", top) + std::to_string(top + count), 2);
-    AddReportChart(sheet, title,
-                   RowFormula("B#:B", top) + std::to_string(top + count) +
-                       RowFormula(",H#:I", top) + std::to_string(top + count),
-                   2);
+    const XlObject values =
+        AddReportChart(sheet, title, RowFormula("B#:E", top) + std::to_string(top + count), 2);
+    const XlObject indexes =
+        AddReportChart(sheet, title,
+                       RowFormula("B#:B", top) + std::to_string(top + count) +
+                           RowFormula(",H#:I", top) + std::to_string(top + count),
+                       2);
+    // Side by side two rows below the cumulative table, so that neither hides the other or the
+    // figures they draw.
+    const double chartTop = sheet.Cell(top + count + 2, 2).GetTop();
+    values.SetTop(chartTop);
+    indexes.SetTop(chartTop);
+    indexes.SetLeft(values.GetLeft() + values.GetWidth());
     state.sums.Clear(true);
 }

@@ -116,6 +116,12 @@ TEST_F(EvmByProject, TwoLineChartsTakeTheirSeriesFromTheCumulativeTable) {
     ASSERT_EQ(indexes.series.size(), 2U);
     EXPECT_EQ(indexes.series[0].name, "SPI");
     EXPECT_EQ(indexes.series[1].values, "=EVM1_20240401!$I$8:$I$9");
+    // Side by side, two rows below the cumulative table.
+    const auto& frames = Sheet().shapes;
+    ASSERT_EQ(frames.size(), 2U);
+    EXPECT_DOUBLE_EQ(frames[0]->top, sheethost::RowTop(Sheet(), 11));
+    EXPECT_DOUBLE_EQ(frames[1]->top, frames[0]->top);
+    EXPECT_DOUBLE_EQ(frames[1]->left, frames[0]->left + frames[0]->width);
 }
 
 TEST_F(EvmByProject, ASecondRunReplacesTheTablesAndTheCharts) {
