@@ -9,6 +9,7 @@
 #include "core/engine_state.h"
 #include "engine/lifecycle.h"
 #include "engine/refresh.h"
+#include "gantt/templates.h"
 #include "reports/reports.h"
 #include "settings/settings.h"
 #include "wbs/task_table.h"
@@ -32,6 +33,7 @@ class ExportScope {
   public:
     ExportScope() {
         SetLastRuntimeError(0);
+        ForgetTemplates();
         const XlObject workbook = EngineWorkbook();
         if (workbook.IsNothing()) {
             return;
