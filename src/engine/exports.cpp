@@ -65,7 +65,8 @@ void kpDrawCalendar(std::int32_t unit) {
     if (!RefreshSettings()) {
         return;
     }
-    // The calendar grid and then every task's bars are drawn here once the chart drawing is built.
+    DrawCalendarSheet();
+    // Every task's bars are drawn here once the chart drawing is built.
 }
 
 void kpDrawGanntChart(std::int32_t style) {
