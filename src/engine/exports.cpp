@@ -67,7 +67,10 @@ void kpDrawCalendar(std::int32_t unit) {
         return;
     }
     DrawCalendarSheet();
-    // Every task's bars are drawn here once the chart drawing is built.
+    // The bars are laid over the new grid, from the task sheet as it stands now.
+    LoadResources();
+    TaskTable_Load();
+    DrawAllTaskBars();
 }
 
 void kpDrawGanntChart(std::int32_t style) {

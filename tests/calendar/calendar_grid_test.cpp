@@ -9,7 +9,9 @@
 #include <string>
 #include <vector>
 
+#include "calendar/calendar.h"
 #include "core/clock.h"
+#include "core/engine_state.h"
 #include "engine/exports.h"
 #include "sheethost/model.h"
 #include "support/project_json.h"
@@ -187,6 +189,19 @@ TEST_F(CalendarGridTest, WritesTheProjectSpanAndLeavesTheTaskTableAlone) {
     EXPECT_EQ(project_.Number("V1"), *values::ParseDateText("2024/04/08 18:00"));
     EXPECT_EQ(project_.Text("V4") + project_.Text("C5"), tableBefore);
     EXPECT_EQ(StyleOf(kWeekdayRow, ColumnNumber("V")).interior.colorIndex, 35);
+}
+
+TEST_F(CalendarGridTest, WritesTheUnitAndLaysTheBarsOverTheNewGrid) {
+    project_.Bind();
+    Draw(30);
+    EXPECT_EQ(EngineCalendarSettings().CSCalendarUnit, 30);  // written, then read back
+    // Task row 7 is planned from Friday 08:00: its bar starts at the first chart column, whose
+    // width the half-hour grid set.
+    const auto bars = project_.ShapesNamed("GanntBar7");
+    ASSERT_FALSE(bars.empty());
+    EXPECT_NEAR(bars.front()->left, project_.CellBox("W7").left, 0.01);
+    Draw(0);  // no unit: the one in force is kept
+    EXPECT_EQ(EngineCalendarSettings().CSCalendarUnit, 30);
 }
 
 }  // namespace
