@@ -10,6 +10,7 @@
 #include "engine/lifecycle.h"
 #include "engine/refresh.h"
 #include "gantt/chart.h"
+#include "reports/reports.h"
 #include "settings/settings.h"
 #include "wbs/task_table.h"
 #include "wbs/visible_rows.h"
@@ -148,8 +149,8 @@ void kpWBSEventOnSelectionChange(IDispatch** target) {
     // The selection-change handler runs here with `range` once the sheet events are built.
 }
 
-// The task moves, the filter, the progress lines and the reports are called from these exports
-// once their subsystems are built; until then they do nothing.
+// The task moves, the filter and the progress lines are called from these exports once their
+// subsystems are built; until then they do nothing.
 
 void kpTasksMoveUp() {}
 
@@ -165,11 +166,22 @@ void kpWBSFilter() {}
 
 void kpDrawProgressLines() {}
 
-void kpEVMByTask() {}
+void kpEVMByTask() {
+    const ExportScope scope;
+    EvmByTaskReport(0);
+}
 
-void kpEVMByProject(std::int32_t, std::int32_t) {}
+void kpEVMByProject(std::int32_t first, std::int32_t second) {
+    const ExportScope scope;
+    PrepareProjectEvm(first, second);
+    WriteProjectEvmReport();
+}
 
-void kpWorkload(std::int32_t, std::int32_t) {}
+void kpWorkload(std::int32_t first, std::int32_t second) {
+    const ExportScope scope;
+    CollectWorkload();
+    WriteWorkloadReport(first, second);
+}
 
 void kpSetMessageReceiver(MessageReceiver receiver) {
     SetMessageReceiver(receiver);
