@@ -25,6 +25,7 @@ constexpr int kEdgeLeft = 7;
 constexpr int kEdgeBottom = 9;
 constexpr int kInsideHorizontal = 12;
 constexpr int kContinuous = 1;
+constexpr int kNoColour = -4142;  // also "no line"
 constexpr int kThin = 2;
 constexpr int kMedium = -4138;
 constexpr int kAlignLeft = -4131;
@@ -49,7 +50,7 @@ struct GridPlace {
     std::int64_t unit = 0;
     std::int64_t firstColumn = 0;
     std::int64_t lastColumn = 0;
-    std::int64_t clearToColumn = 0;  // the last column an earlier, wider grid may have used
+    std::int64_t clearToColumn = 0;  // the last column of this grid or of an earlier, wider one
     std::int64_t dateRow = 0;
     std::int64_t timeRow = 0;
     std::int64_t weekdayRow = 0;
@@ -70,10 +71,13 @@ std::string ColumnsAddress(std::int64_t left, std::int64_t right) {
     return ColumnLetters(left) + ":" + ColumnLetters(right);
 }
 
-// The last column of a range, or 0 when the range cannot be had.
-std::int64_t LastColumnOf(const XlObject& range) {
-    if (range.IsNothing()) return 0;
-    return range.GetColumn() + static_cast<std::int64_t>(range.GetNumber("Columns.Count")) - 1;
+// An earlier grid drawn with a shorter unit reaches further right; its columns are known by the
+// header fill every grid column gets, and nothing else is taken for one: whatever stands to the
+// right of the chart belongs to the workbook.
+std::int64_t LastColumnOfEarlierGrid(const XlObject& sheet, std::int64_t row, std::int64_t after) {
+    std::int64_t column = after;
+    while (sheet.Cell(row, column + 1).GetNumber("Interior.Color") == kHeaderFill) ++column;
+    return column;
 }
 
 // Column widths in characters that keep the labels readable: a whole day needs its date, an
@@ -133,19 +137,24 @@ GridPlace PlaceOfGrid(const XlObject& sheet) {
     place.weekdayRow = calendar.CSWeekdayRow;
     place.firstBodyRow = calendar.firstBodyRow;
     place.lastBodyRow = std::max(calendar.CSLastTaskRow, calendar.CSWeekdayRow);
-    const XlObject used = sheet.GetObject("UsedRange");
-    const XlObject body = sheet.RangeOf(calendar.CSBodyRange);
-    place.clearToColumn = std::max({place.lastColumn, LastColumnOf(used), LastColumnOf(body)});
+    place.clearToColumn = LastColumnOfEarlierGrid(sheet, place.timeRow, place.lastColumn);
     return place;
 }
 
-// Empties the header and body of this and any earlier grid, shows every column again, then
-// gives the header its fill, font and widths.
+// Empties the header of this and any earlier grid and takes the lines and fills off its body
+// (whose values stay: they are the workbook's), shows every column again, then gives the header
+// its fill, font and widths.
 void PrepareGrid(const XlObject& sheet, const GridPlace& place) {
     sheet
         .RangeOf(
-            BlockAddress(place.dateRow, place.firstColumn, place.lastBodyRow, place.clearToColumn))
+            BlockAddress(place.dateRow, place.firstColumn, place.weekdayRow, place.clearToColumn))
         .Clear();
+    if (place.lastBodyRow >= place.firstBodyRow) {
+        const XlObject body = sheet.RangeOf(BlockAddress(place.firstBodyRow, place.firstColumn,
+                                                         place.lastBodyRow, place.clearToColumn));
+        body.SetNumber("Interior.ColorIndex", kNoColour);
+        body.SetNumber("Borders.LineStyle", kNoColour);
+    }
     sheet.RangeOf(ColumnsAddress(place.firstColumn, place.clearToColumn))
         .Put(".EntireColumn.Hidden=%b", FALSE);
     sheet.RangeOf(ColumnsAddress(place.firstColumn, place.lastColumn))

@@ -52,8 +52,8 @@ class CalendarGridTest : public ::testing::Test {
     const sheethost::Style& StyleOf(int row, int column) const {
         return project_.StyleAt(ColumnLetters(column) + std::to_string(row));
     }
-    // The columns whose cells on `row` hold a text.
-    std::vector<int> LabelledColumns(int row, int last = 400) const {
+    // The chart columns whose cells on `row` hold a text (the hour grid ends at DA).
+    std::vector<int> LabelledColumns(int row, int last = 105) const {
         std::vector<int> columns;
         for (int column = kFirstChartColumn; column <= last; ++column) {
             if (!Label(row, column).empty()) columns.push_back(column);
@@ -141,7 +141,7 @@ TEST_F(CalendarGridTest, HalfHoursLabelTheFirstColumnOfEachHour) {
     EXPECT_EQ(Label(kTimeRow, ColumnAt(0, 30)), "8");
     EXPECT_EQ(Label(kTimeRow, ColumnAt(30, 30)), "");
     EXPECT_EQ(Label(kTimeRow, ColumnAt(60, 30)), "9");
-    EXPECT_EQ(LabelledColumns(kDateRow).size(), 3u);
+    EXPECT_EQ(LabelledColumns(kDateRow, ColumnAt(82 * 60, 30)).size(), 3u);
     EXPECT_TRUE(Hidden(ColumnAt(10 * 60, 30)));
 }
 
@@ -189,6 +189,18 @@ TEST_F(CalendarGridTest, WritesTheProjectSpanAndLeavesTheTaskTableAlone) {
     EXPECT_EQ(project_.Number("V1"), *values::ParseDateText("2024/04/08 18:00"));
     EXPECT_EQ(project_.Text("V4") + project_.Text("C5"), tableBefore);
     EXPECT_EQ(StyleOf(kWeekdayRow, ColumnNumber("V")).interior.colorIndex, 35);
+}
+
+TEST_F(CalendarGridTest, KeepsWhatTheWorkbookHoldsBesideAndUnderTheChart) {
+    project_.Cells("WBS")["X20"] = "a note in the chart";
+    project_.Bind();
+    Draw(60);
+    Draw(1440);
+    // The sample's duration and load columns stand right of the hour grid.
+    EXPECT_EQ(project_.Text("DC4"), "Days");
+    EXPECT_EQ(project_.Text("DD7"), "1.5");
+    EXPECT_EQ(project_.Text("X20"), "a note in the chart");
+    EXPECT_EQ(project_.Text("V4"), "Predecessors");
 }
 
 TEST_F(CalendarGridTest, WritesTheUnitAndLaysTheBarsOverTheNewGrid) {
