@@ -19,6 +19,7 @@ namespace {
 
 constexpr std::int64_t kMinutesPerHour = 60;
 constexpr std::int64_t kMinutesPerDay = 1440;
+constexpr std::int64_t kLastSheetColumn = 16384;
 
 // The spreadsheet's enumeration values used here.
 constexpr int kEdgeLeft = 7;
@@ -76,7 +77,10 @@ std::string ColumnsAddress(std::int64_t left, std::int64_t right) {
 // right of the chart belongs to the workbook.
 std::int64_t LastColumnOfEarlierGrid(const XlObject& sheet, std::int64_t row, std::int64_t after) {
     std::int64_t column = after;
-    while (sheet.Cell(row, column + 1).GetNumber("Interior.Color") == kHeaderFill) ++column;
+    while (column < kLastSheetColumn &&
+           sheet.Cell(row, column + 1).GetNumber("Interior.Color") == kHeaderFill) {
+        ++column;
+    }
     return column;
 }
 
