@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <map>
+#include <optional>
 #include <string>
 #include <tuple>
 
@@ -10,6 +11,7 @@
 #include "render/drawing.h"
 #include "render/svg.h"
 #include "sheethost/cell_values.h"
+#include "sheethost/formula.h"
 #include "sheethost/palette.h"
 
 namespace render {
@@ -53,6 +55,56 @@ bool IsEmpty(const sheethost::Sheet& sheet, int row, int column) {
     const sheethost::Cell* cell = sheethost::FindCell(sheet, row, column);
     return cell == nullptr ||
            (std::holds_alternative<sheethost::Blank>(cell->value) && cell->formula.empty());
+}
+
+// The first condition of the cell's format its value meets: a comparison with constants, as
+// conditional formats on figures hold them ("=0"). Conditions given as formulas are not drawn.
+const sheethost::FormatCondition* MetCondition(const Style& style, const sheethost::Value& value) {
+    const auto* number = std::get_if<double>(&value);
+    if (number == nullptr) return nullptr;
+    for (const sheethost::FormatCondition& condition : style.conditions) {
+        if (condition.type != xl::kCellValue) continue;
+        const auto bound = [](const std::string& formula) {
+            return sheethost::TextToNumber(formula.starts_with('=') ? formula.substr(1) : formula);
+        };
+        const std::optional<double> first = bound(condition.formula1);
+        const std::optional<double> second = bound(condition.formula2);
+        if (!first) continue;
+        const double x = *number;
+        bool met = false;
+        switch (condition.comparison) {
+            case xl::kBetween:
+            case xl::kNotBetween: {
+                if (!second) continue;
+                const bool inside =
+                    x >= std::min(*first, *second) && x <= std::max(*first, *second);
+                met = condition.comparison == xl::kBetween ? inside : !inside;
+                break;
+            }
+            case xl::kEqual:
+                met = x == *first;
+                break;
+            case xl::kNotEqual:
+                met = x != *first;
+                break;
+            case xl::kGreater:
+                met = x > *first;
+                break;
+            case xl::kLess:
+                met = x < *first;
+                break;
+            case xl::kGreaterEqual:
+                met = x >= *first;
+                break;
+            case xl::kLessEqual:
+                met = x <= *first;
+                break;
+            default:
+                break;
+        }
+        if (met) return &condition;
+    }
+    return nullptr;
 }
 
 std::string FontColour(int colorIndex) {
@@ -106,7 +158,8 @@ void WriteGrid(std::string& svg, const SheetGeometry& g) {
 }
 
 // One rectangle per run of equally filled cells along a row.
-void WriteFills(std::string& svg, const sheethost::Sheet& sheet, const SheetGeometry& g) {
+void WriteFills(std::string& svg, const sheethost::Workbook& book, const sheethost::Sheet& sheet,
+                const SheetGeometry& g) {
     for (int row = 1; row <= g.lastRow; ++row) {
         if (g.RowHeight(row) <= 0) continue;
         int runStart = 0;
@@ -119,13 +172,21 @@ void WriteFills(std::string& svg, const sheethost::Sheet& sheet, const SheetGeom
             runStart = 0;
         };
         for (int column = 1; column <= g.lastColumn; ++column) {
-            const sheethost::Interior& fill =
-                sheethost::EffectiveStyle(sheet, row, column).interior;
-            const bool filled = fill.colorIndex != xl::kNone;
-            if (runStart != 0 && (!filled || fill.color != runColour)) flush(column);
+            const Style& style = sheethost::EffectiveStyle(sheet, row, column);
+            bool filled = style.interior.colorIndex != xl::kNone;
+            std::int32_t colour = style.interior.color;
+            if (!style.conditions.empty()) {
+                const auto* met =
+                    MetCondition(style, sheethost::CellDisplayValue(book, sheet, row, column));
+                if (met != nullptr && met->interiorColorIndex) {
+                    filled = true;
+                    colour = sheethost::PaletteColor(*met->interiorColorIndex);
+                }
+            }
+            if (runStart != 0 && (!filled || colour != runColour)) flush(column);
             if (filled && runStart == 0) {
                 runStart = column;
-                runColour = fill.color;
+                runColour = colour;
             }
         }
         flush(g.lastColumn + 1);
@@ -168,6 +229,9 @@ void WriteText(std::string& svg, const sheethost::Workbook& book, const sheethos
     const auto [first, last] =
         spills ? TextSpan(sheet, g, row, column, alignment) : std::pair{column, column};
 
+    const sheethost::FormatCondition* met = MetCondition(style, value);
+    const int fontColour =
+        met != nullptr && met->fontColorIndex ? *met->fontColorIndex : style.font.colorIndex;
     const double size = style.font.size;
     const double left = g.Left(column);
     const double width = g.ColumnWidth(column);
@@ -192,8 +256,7 @@ void WriteText(std::string& svg, const sheethost::Workbook& book, const sheethos
            Number(g.Left(last + 1) - clipLeft) + "\" height=\"" + Number(height) +
            "\" overflow=\"hidden\"><text x=\"" + Number(x - clipLeft) + "\" y=\"" +
            Number(baseline - top) + "\" font-family=\"" + FontFamily(style.font.name) +
-           "\" font-size=\"" + Number(size) + "\" fill=\"" + FontColour(style.font.colorIndex) +
-           "\"";
+           "\" font-size=\"" + Number(size) + "\" fill=\"" + FontColour(fontColour) + "\"";
     if (anchor != "start") svg += " text-anchor=\"" + anchor + "\"";
     if (style.font.bold) svg += " font-weight=\"bold\"";
     if (style.font.italic) svg += " font-style=\"italic\"";
@@ -270,7 +333,7 @@ SheetGeometry MeasureSheet(const sheethost::Sheet& sheet) {
 void WriteCells(std::string& svg, const sheethost::Workbook& book, const sheethost::Sheet& sheet,
                 const SheetGeometry& geometry) {
     WriteGrid(svg, geometry);
-    WriteFills(svg, sheet, geometry);
+    WriteFills(svg, book, sheet, geometry);
     for (const auto& [ref, cell] : sheet.cells) {
         if (ref.row <= geometry.lastRow && ref.column <= geometry.lastColumn) {
             WriteText(svg, book, sheet, geometry, ref.row, ref.column);

@@ -26,6 +26,10 @@ constexpr const char* kWorkbook = R"json({
        "A3": "in a hidden row",
        "A4": "A long title that spills to the right",
        "E4": "stop",
+       "C5": {"value": -2, "conditions": [{"type": 1, "operator": 6, "formula1": "=0",
+                                          "fontColorIndex": 3, "interiorColorIndex": 6}]},
+       "C6": {"value": 2, "conditions": [{"type": 1, "operator": 6, "formula1": "=0",
+                                         "fontColorIndex": 3}]},
        "A5": {"value": "x", "borders": {"bottom": {"lineStyle": 1, "weight": -4138,
                                                    "colorIndex": 3}}}
      },
@@ -139,6 +143,15 @@ TEST_F(SheetSvgTest, CellsShowTheirFormatsFillsAndBorders) {
         }
     }
     EXPECT_TRUE(found);
+}
+
+TEST_F(SheetSvgTest, ConditionalFormatsColourTheFiguresThatMeetThem) {
+    EXPECT_STREQ(TextBox("-2").child("text").attribute("fill").value(), "#ff0000");
+    EXPECT_STREQ(TextBox("2").child("text").attribute("fill").value(), "#000000");
+    // C5 (row 5 starts at 15 + 30 + 15 points) filled yellow.
+    EXPECT_NE(svg_.find("<rect x=\"56.25\" y=\"60\" width=\"108.75\" height=\"15\" "
+                        "fill=\"#ffff00\"/>"),
+              std::string::npos);
 }
 
 TEST_F(SheetSvgTest, ShapesKeepTheirOrderGeometryAndLook) {
