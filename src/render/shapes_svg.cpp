@@ -348,10 +348,19 @@ void WriteText(std::string& svg, const Shape& shape) {
     }
 }
 
-void WriteChartFrame(std::string& svg, const Shape& shape) {
+// A chart is shown by its frame and title: the picture is of the task sheet, not of the charts
+// the reports place on their own sheets.
+void WriteChartFrame(std::string& svg, const Shape& shape, const sheethost::Sheet& sheet) {
     svg += "<rect x=\"" + Number(shape.left) + "\" y=\"" + Number(shape.top) + "\" width=\"" +
            Number(shape.width) + "\" height=\"" + Number(shape.height) +
            "\" fill=\"#ffffff\" stroke=\"#bfbfbf\" stroke-width=\"0.75\"/>\n";
+    for (const auto& chart : sheet.charts) {
+        if (chart->shapeId != shape.id || !chart->hasTitle) continue;
+        svg += "<text x=\"" + Number(shape.left + shape.width / 2) + "\" y=\"" +
+               Number(shape.top + 20) + "\" text-anchor=\"middle\" font-family=\"" +
+               FontFamily("Calibri") + "\" font-size=\"14\" fill=\"#595959\">" +
+               Escaped(chart->title) + "</text>\n";
+    }
 }
 
 }  // namespace
@@ -362,7 +371,7 @@ void WriteShapes(std::string& svg, const sheethost::Sheet& sheet) {
         if (!shape.visible) continue;
         svg += "<g data-name=\"" + Escaped(shape.name) + "\">\n";
         if (shape.type == mso::kChart) {
-            WriteChartFrame(svg, shape);
+            WriteChartFrame(svg, shape, sheet);
         } else if (shape.type == mso::kLine || sheethost::IsConnector(shape)) {
             WriteConnector(svg, shape);
         } else if (shape.type == mso::kFreeform && shape.nodes.size() >= 2) {
