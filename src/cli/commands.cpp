@@ -33,7 +33,7 @@ std::vector<EngineCommand> MakeCommands() {
         {"calendar",
          "Draw the calendar strip and the Gantt bars",
          {{"unit", true, 0}},
-         false,
+         true,
          [](std::span<const int> a) { kpDrawCalendar(a[0]); }},
         {"filter",
          "Hide the task rows that do not match the filter",

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "cli/commands.h"
+#include "cli/render_command.h"
 #include "cli/session.h"
 #include "cli/workbook_file.h"
 #include "values/values.h"
@@ -194,11 +195,17 @@ int main(int argc, char** argv) {
         }
     });
 
+    RenderRequest renderRequest;
+    const CLI::App* render = AddRenderCommand(app, renderRequest);
+
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
         const int code = app.exit(error);
         return code == 0 ? kSuccess : kUsageError;
+    }
+    if (render->parsed()) {
+        return RunRender(renderRequest) ? kSuccess : kWorkbookError;
     }
     return Run(options, calls);
 }

@@ -67,7 +67,11 @@ void kpDrawCalendar(std::int32_t unit) {
     if (!RefreshSettings()) {
         return;
     }
-    // The calendar grid and then every task's bars are drawn here once the chart drawing is built.
+    DrawCalendarSheet();
+    // The bars are laid over the new grid, from the task sheet as it stands now.
+    LoadResources();
+    TaskTable_Load();
+    DrawAllTaskBars();
 }
 
 void kpDrawGanntChart(std::int32_t style) {

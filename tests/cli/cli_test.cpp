@@ -6,6 +6,7 @@
 #include <sstream>
 
 #include "cli/commands.h"
+#include "cli/render_command.h"
 #include "cli/session.h"
 #include "cli/workbook_file.h"
 #include "sheethost/sheethost.h"
@@ -97,4 +98,33 @@ TEST(EngineSession, AZeroCalendarUnitStopsBeforeAnyCommandAndChangesNothing) {
     // without ever releasing them; nothing else may stay referenced.
     EXPECT_EQ(sheethost::LiveObjectCount(), 2)
         << testing::PrintToString(sheethost::LiveObjectReport());
+}
+
+TEST(RenderCommand, DrawsTheTaskSheetAndNeverReplacesTheWorkbook) {
+    TemporaryFolder folder;
+    WriteText(folder / "in.json", kZeroUnitWorkbook);
+    RenderRequest request{(folder / "in.json").string(), (folder / "chart.svg").string(), "",
+                          false};
+    ASSERT_TRUE(RunRender(request));
+    std::ifstream svg(folder / "chart.svg");
+    std::stringstream text;
+    text << svg.rdbuf();
+    EXPECT_TRUE(text.str().starts_with("<?xml")) << text.str();
+    EXPECT_NE(text.str().find("<title>WBS</title>"), std::string::npos);
+    EXPECT_NE(text.str().find(">Design</text>"), std::string::npos);
+    EXPECT_EQ(folder.FileCount(), 2u) << "no temporary file may be left behind";
+
+    // Another sheet by name; an unknown one is refused and nothing is written.
+    request.sheet = "Settings";
+    request.output = (folder / "settings.svg").string();
+    EXPECT_TRUE(RunRender(request));
+    request.sheet = "Gantt";
+    request.output = (folder / "gantt.svg").string();
+    EXPECT_FALSE(RunRender(request));
+    EXPECT_FALSE(fs::exists(folder / "gantt.svg"));
+
+    // The picture may not take the workbook's place.
+    request = {(folder / "in.json").string(), (folder / "in.json").string(), "", false};
+    EXPECT_FALSE(RunRender(request));
+    EXPECT_NE(ReadWorkbookFile(folder / "in.json"), nullptr);
 }
