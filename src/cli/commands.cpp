@@ -16,7 +16,7 @@ std::vector<EngineCommand> MakeCommands() {
         {"reschedule",
          "Place the not-started tasks one after another per resource, then redraw the chart",
          {},
-         false,
+         true,
          [](std::span<const int>) { kpWBSReschedule(); }},
         {"gantt",
          "Draw the Gantt bars and connectors",

@@ -6,6 +6,7 @@
 #include "calendar/task_tests.h"
 #include "com/text.h"
 #include "core/engine_state.h"
+#include "gantt/chart.h"
 #include "settings/settings.h"
 #include "values/values.h"
 #include "wbs/reschedule.h"
@@ -74,11 +75,13 @@ bool IndentBreaksOutline(const RowSelection& selection, std::int64_t delta) {
 }
 
 // What every accepted move ends with: the outline is read again from the sheet, the WBS numbers,
-// work, checks, colours and roll-ups follow it, and the chart is redrawn from the row above.
-void UpdateAfterMove() {
+// work, checks, colours and roll-ups follow it, and the chart is redrawn from the row above the
+// selection, whose task may have gained or lost children.
+void UpdateAfterMove(const RowSelection& selection) {
     LoadResources();
     TaskTable_Load();
     UpdatePass();
+    RedrawTasksFromRow(selection.first - 1);
 }
 
 }  // namespace
@@ -98,7 +101,7 @@ std::int64_t MoveTasks(std::int64_t delta) {
     const std::int64_t target = delta > 0 ? f + n + 1 : f - 1;
     sheet.Call(".Rows(%S).Insert(%d)", Widen(RowSpan(target, target)).c_str(), kShiftDown);
     sheet.Call(".Rows(%S).Select", Widen(RowSpan(f + delta, f + delta + n - 1)).c_str());
-    UpdateAfterMove();
+    UpdateAfterMove(selection);
     return 1;
 }
 
@@ -127,7 +130,7 @@ std::int64_t IndentTasks(std::int64_t delta) {
                                              static_cast<std::size_t>(BstrLength(task->nameCell))));
         sheet.Cell(row, column).ClearContents();
     }
-    UpdateAfterMove();
+    UpdateAfterMove(selection);
     return 1;
 }
 
@@ -157,5 +160,6 @@ std::int64_t OffsetTasks(std::int64_t a, std::int64_t b) {
         const double newStart = values::AddMinutes(start, a * b);
         WritePlannedTimesOfDay(row, newStart, values::AddMinutes(newStart, work));
     }
+    RedrawTasksFromRow(selection.first - 1);
     return 1;
 }
