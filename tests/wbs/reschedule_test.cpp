@@ -1,6 +1,6 @@
 // Rescheduling: not-started tasks placed one after another per resource from the group day's
-// working start (08:00 here), started tasks kept where they are, every resource free again at the
-// next top-level group, and only times of day written into the planned cells.
+// working start (08:00), started tasks kept, every resource free again at the next top-level
+// group, and only times of day written into the planned cells.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -13,142 +13,69 @@ namespace {
 
 using testsupport::ProjectJson;
 
-constexpr double kMinute = 1.0 / 1440;
-constexpr double k0800 = 8.0 / 24;
-constexpr double k0900 = 9.0 / 24;
-constexpr double k0930 = 9.5 / 24;
-constexpr double k1000 = 10.0 / 24;
-constexpr double k1100 = 11.0 / 24;
-
-class Reschedule : public ::testing::Test {
-  protected:
-    // The planned start and end cells of a row, as times of day.
-    void ExpectPlanned(int row, double start, double end) {
-        const std::string number = std::to_string(row);
-        EXPECT_NEAR(project.Number("P" + number), start, 1e-9) << "row " << row;
-        EXPECT_NEAR(project.Number("D" + number), end, 1e-9) << "row " << row;
-    }
-
-    ProjectJson project;
-};
-
-TEST_F(Reschedule, TasksOfOneResourceFollowEachOther) {
-    project.Task(12, 1, "Plan");
-    project.Task(13, 2, "Design", {{"C", "AL"}, {"F", 60}});
-    project.Task(14, 2, "Review", {{"C", "AL"}, {"F", 30}});
-    // Another resource starts at the day's start too.
-    project.Task(15, 2, "Order", {{"C", "BO"}, {"F", 45}});
-    project.Task(16, 2, "Build", {{"C", "AL"}, {"F", 90}});
-    project.Bind();
-
-    kpWBSReschedule();
-
-    ExpectPlanned(13, k0800, k0900);
-    ExpectPlanned(14, k0900, k0930);
-    ExpectPlanned(15, k0800, k0800 + 45 * kMinute);
-    ExpectPlanned(16, k0930, k1100);
-    // The cells hold the time of day taken from the full date serial, as text the host reads back.
-    const double end = values::AddMinutes(ProjectJson::kDay1 + k0800, 60);
-    EXPECT_EQ(project.Text("D13"), values::NumberText(end - values::Fix(end)));
-    // The update after the placement writes the work of the new dates; a second run changes
-    // nothing.
-    EXPECT_EQ(project.Text("F16"), "90");
-    const std::string once = project.DumpWithoutShapeIds();
-    kpWBSReschedule();
-    EXPECT_EQ(project.DumpWithoutShapeIds(), once);
+double Hours(double hours) {
+    return hours / 24;
 }
 
-TEST_F(Reschedule, APlainUpdatePlacesNothing) {
-    project.Task(12, 1, "Plan");
+TEST(Reschedule, PlacesTasksPerResourceWithinTheirGroupsDay) {
+    ProjectJson project;
+    project.Task(12, 1, "Day one");
     project.Task(13, 2, "Design", {{"C", "AL"}, {"F", 60}});
     project.Task(14, 2, "Review", {{"C", "AL"}, {"F", 30}});
+    // Fractions of a minute are dropped.
+    project.Task(15, 2, "Build", {{"C", "AL"}, {"F", 90.9}});
+    // Without work: neither placed nor keeping Bob busy.
+    project.Task(16, 2, "Idle", {{"C", "BO"}, {"F", 0}});
+    // Complete before its planned end: Bob is free at its actual end.
+    project.Task(17, 2, "Done early",
+                 {{"C", "BO"},
+                  {"F", 120},
+                  {"P", Hours(8)},
+                  {"D", Hours(10)},
+                  {"E", Hours(8)},
+                  {"X", Hours(9)}});
+    project.Task(18, 2, "Next", {{"C", "BO"}, {"F", 30}});
+    // The second group's day: Alice starts it free.
+    project.Task(19, 1, "Day two");
+    project.Task(20, 2, "Fresh", {{"C", "AL"}, {"F", 30}});
+    // Running: it stays, and Alice goes on from its planned end.
+    project.Task(21, 2, "Running",
+                 {{"C", "AL"}, {"F", 60}, {"P", Hours(9)}, {"D", Hours(10)}, {"J", 50}});
+    // Past midnight only the time of day is written; the reader takes it to the next day.
+    project.Task(22, 2, "Long", {{"C", "AL"}, {"F", 900}});
+    project.Task(23, 2, "Late", {{"C", "AL"}, {"F", 60}});
+    // Bob's first task of the day keeps its own start.
+    project.Task(24, 2, "Fixed", {{"C", "BO"}, {"F", 60}, {"P", Hours(10)}, {"D", Hours(11)}});
+    project.Task(25, 2, "After", {{"C", "BO"}, {"F", 30}});
     project.Bind();
 
     kpUpdateWBS();
-
-    EXPECT_EQ(project.Text("P13"), "");
-    EXPECT_EQ(project.Text("P14"), "");
-}
-
-// Fractions of a minute are dropped; work of 0 or none places nothing and keeps the resource free.
-TEST_F(Reschedule, WholeMinutesOfPositiveWorkOnly) {
-    project.Task(12, 1, "Plan");
-    project.Task(13, 2, "Design", {{"C", "AL"}, {"F", 90.9}});
-    project.Task(14, 2, "Idle", {{"C", "BO"}});
-    project.Task(15, 2, "Nothing", {{"C", "BO"}, {"F", 0}});
-    project.Task(16, 2, "Order", {{"C", "BO"}, {"F", 30}});
-    project.Bind();
+    EXPECT_EQ(project.Text("P13"), "") << "a plain update places nothing";
 
     kpWBSReschedule();
 
-    ExpectPlanned(13, k0800, k0930);
-    EXPECT_EQ(project.Text("P14"), "");
-    EXPECT_EQ(project.Text("P15"), "");
-    ExpectPlanned(16, k0800, k0800 + 30 * kMinute);
-}
+    const struct {
+        int row;
+        double start, end;
+    } placed[] = {{13, 8, 9},   {14, 9, 9.5}, {15, 9.5, 11}, {17, 8, 10},
+                  {18, 9, 9.5}, {20, 8, 8.5}, {21, 9, 10},   {22, 10, 1},
+                  {23, 1, 2},   {24, 10, 11}, {25, 11, 11.5}};
+    for (const auto& task : placed) {
+        const std::string row = std::to_string(task.row);
+        EXPECT_NEAR(project.Number("P" + row), Hours(task.start), 1e-9) << "row " << row;
+        EXPECT_NEAR(project.Number("D" + row), Hours(task.end), 1e-9) << "row " << row;
+    }
+    EXPECT_EQ(project.Text("P16"), "");
+    // The time of day is taken from the full date serial.
+    const double end = values::AddMinutes(ProjectJson::kDay1 + Hours(8), 60);
+    EXPECT_EQ(project.Text("D13"), values::NumberText(end - values::Fix(end)));
+    // The update after each placement writes the work of the new dates, over midnight too.
+    EXPECT_EQ(project.Text("F15"), "90");
+    EXPECT_EQ(project.Text("F22"), "900");
 
-// A started task keeps its dates and frees its resource at its actual end once complete (here
-// before its planned end), at its planned end while running. A not-started task that has a start
-// of its own keeps it when it is its resource's first.
-TEST_F(Reschedule, StartedTasksAndOwnStartsStay) {
-    project.Task(12, 1, "Plan");
-    project.Task(13, 2, "Done early",
-                 {{"C", "AL"}, {"F", 120}, {"P", k0800}, {"D", k1000}, {"E", k0800}, {"X", k0900}});
-    project.Task(14, 2, "Next", {{"C", "AL"}, {"F", 30}});
-    project.Task(15, 2, "Running", {{"C", "BO"}, {"F", 60}, {"P", k0900}, {"D", k1000}, {"J", 50}});
-    project.Task(16, 2, "After", {{"C", "BO"}, {"F", 60}});
-    project.Bind();
-
+    const std::string once = project.DumpWithoutShapeIds();
     kpWBSReschedule();
-
-    ExpectPlanned(13, k0800, k1000);
-    ExpectPlanned(14, k0900, k0930);
-    ExpectPlanned(15, k0900, k1000);
-    ExpectPlanned(16, k1000, k1100);
-}
-
-TEST_F(Reschedule, ATaskWithItsOwnStartLeadsItsResource) {
-    project.Task(12, 1, "Plan");
-    project.Task(13, 2, "Fixed", {{"C", "AL"}, {"F", 60}, {"P", k1000}, {"D", k1100}});
-    project.Task(14, 2, "Then", {{"C", "AL"}, {"F", 30}});
-    project.Bind();
-
-    kpWBSReschedule();
-
-    ExpectPlanned(13, k1000, k1100);
-    ExpectPlanned(14, k1100, k1100 + 30 * kMinute);
-}
-
-// Each top-level group is the next calendar day, and every resource starts it free: Alice's
-// second-day task begins at 08:00, not after her first-day work. The reader puts it on day 2.
-TEST_F(Reschedule, ResourcesAreFreeAgainAtTheNextGroup) {
-    project.Task(12, 1, "Day one");
-    project.Task(13, 2, "Design", {{"C", "AL"}, {"F", 60}});
-    project.Task(14, 1, "Day two");
-    project.Task(15, 2, "Build", {{"C", "AL"}, {"F", 30}});
-    project.Bind();
-
-    kpWBSReschedule();
-
-    ExpectPlanned(13, k0800, k0900);
-    ExpectPlanned(15, k0800, k0800 + 30 * kMinute);
-    // The summary of day two rolls its child up.
-    EXPECT_NEAR(project.Number("P14"), k0800, 1e-9);
-}
-
-// A task placed past midnight is written as its time after midnight; the reader's rule (earlier
-// than the working start is the next day) keeps its work right.
-TEST_F(Reschedule, PastMidnightKeepsTheTimeOfDay) {
-    project.Task(12, 1, "Night");
-    project.Task(13, 2, "Long", {{"C", "AL"}, {"F", 900}});
-    project.Task(14, 2, "After", {{"C", "AL"}, {"F", 90}});
-    project.Bind();
-
-    kpWBSReschedule();
-
-    ExpectPlanned(13, k0800, 23.0 / 24);
-    ExpectPlanned(14, 23.0 / 24, 0.5 / 24);
-    EXPECT_EQ(project.Text("F14"), "90");
+    EXPECT_EQ(project.DumpWithoutShapeIds(), once) << "a second run changes nothing";
 }
 
 }  // namespace
