@@ -6,6 +6,13 @@
 
 namespace {
 
+// The periods of the project reports.
+const CommandArgument kPeriodKind{
+    "kind", false, 0,
+    "The periods: 1 = one every <step> days, 2 = weeks from Monday, 3 = calendar months"};
+const CommandArgument kPeriodStep{"step", true, 1,
+                                  "Days per period when kind is 1 (ignored by kinds 2 and 3)"};
+
 std::vector<EngineCommand> MakeCommands() {
     return {
         {"update-wbs",
@@ -87,19 +94,20 @@ std::vector<EngineCommand> MakeCommands() {
          true,
          [](std::span<const int> a) { kpTasksOffset(a[0], a[1]); }},
         {"evm-task",
-         "Write the earned-value figures of every task",
+         "Write the earned-value figures of every task on the sheet EVM0_<today>",
          {},
-         false,
+         true,
          [](std::span<const int>) { kpEVMByTask(); }},
         {"evm-project",
-         "Write the earned-value report of the project",
-         {{"kind"}, {"step"}},
-         false,
+         "Write the project's earned value per period, with its two charts, on the sheet "
+         "EVM<kind>_<today>",
+         {kPeriodKind, kPeriodStep},
+         true,
          [](std::span<const int> a) { kpEVMByProject(a[0], a[1]); }},
         {"workload",
-         "Write the workload report by resource",
-         {{"kind"}, {"step"}},
-         false,
+         "Write every resource's load per period, with its chart, on the sheet Workload<kind>",
+         {kPeriodKind, kPeriodStep},
+         true,
          [](std::span<const int> a) { kpWorkload(a[0], a[1]); }},
     };
 }

@@ -59,10 +59,6 @@ void AddFilterSpecOption(CLI::App& command, CommonOptions& options) {
                        "help for the modes)");
 }
 
-std::string ArgumentHelp(const CommandArgument& argument) {
-    return *argument.help != '\0' ? argument.help : "The command's " + argument.name;
-}
-
 // "gantt:2" or "offset:1,3": a command name and its whole-number arguments.
 std::optional<CommandCall> ParseCommandWord(const std::string& word, std::string& error) {
     const auto colon = word.find(':');
@@ -173,13 +169,14 @@ int main(int argc, char** argv) {
         call.arguments.resize(command.arguments.size());
         for (std::size_t i = 0; i < command.arguments.size(); ++i) {
             const CommandArgument& argument = command.arguments[i];
+            const std::string help =
+                argument.help.empty() ? "The command's " + argument.name : argument.help;
             if (argument.hasDefault) {
                 call.arguments[i] = argument.defaultValue;
-                sub->add_option("--" + argument.name, call.arguments[i], ArgumentHelp(argument))
+                sub->add_option("--" + argument.name, call.arguments[i], help)
                     ->capture_default_str();
             } else {
-                sub->add_option(argument.name, call.arguments[i], ArgumentHelp(argument))
-                    ->required();
+                sub->add_option(argument.name, call.arguments[i], help)->required();
             }
         }
         sub->callback([&] { calls.push_back(call); });

@@ -10,6 +10,7 @@
 #include "engine/lifecycle.h"
 #include "engine/refresh.h"
 #include "gantt/chart.h"
+#include "reports/reports.h"
 #include "settings/settings.h"
 #include "wbs/filter.h"
 #include "wbs/task_moves.h"
@@ -146,9 +147,6 @@ void kpWBSEventOnSelectionChange(IDispatch** target) {
     // The selection-change handler runs here with `range` once the sheet events are built.
 }
 
-// The progress lines and the reports are called from these exports once their subsystems are
-// built; until then they do nothing.
-
 void kpTasksMoveUp() {
     const ExportScope scope;
     MoveTasks(-1);
@@ -179,13 +177,26 @@ void kpWBSFilter() {
     FilterCommand();
 }
 
+// The progress lines are drawn from this export once their subsystem is built; until then it does
+// nothing.
 void kpDrawProgressLines() {}
 
-void kpEVMByTask() {}
+void kpEVMByTask() {
+    const ExportScope scope;
+    EvmByTaskReport(0);
+}
 
-void kpEVMByProject(std::int32_t, std::int32_t) {}
+void kpEVMByProject(std::int32_t first, std::int32_t second) {
+    const ExportScope scope;
+    PrepareProjectEvm(first, second);
+    WriteProjectEvmReport();
+}
 
-void kpWorkload(std::int32_t, std::int32_t) {}
+void kpWorkload(std::int32_t first, std::int32_t second) {
+    const ExportScope scope;
+    CollectWorkload();
+    WriteWorkloadReport(first, second);
+}
 
 void kpSetMessageReceiver(MessageReceiver receiver) {
     SetMessageReceiver(receiver);

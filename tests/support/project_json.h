@@ -97,6 +97,20 @@ class ProjectJson {
         Cells("Settings")[address] = std::move(value);
     }
 
+    // A new named settings cell at `address` ("C40") of the settings sheet, holding `value`.
+    void AddSetting(std::string_view name, std::string_view address, nlohmann::json value) {
+        std::string reference = "=Settings!$";
+        const std::size_t digits = address.find_first_of("0123456789");
+        reference.append(address.substr(0, digits)).append("$").append(address.substr(digits));
+        json_["names"][std::string(name)] = reference;
+        Cells("Settings")[std::string(address)] = std::move(value);
+    }
+
+    // A worksheet added after the others.
+    void AddSheet(std::string_view name, std::string_view codeName, nlohmann::json cells) {
+        json_["sheets"].push_back({{"name", name}, {"codeName", codeName}, {"cells", cells}});
+    }
+
     void HideRow(int row) { Sheet("WBS")["rows"][std::to_string(row)] = {{"hidden", true}}; }
 
     // A template shape on the settings sheet.
