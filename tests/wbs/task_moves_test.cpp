@@ -60,35 +60,62 @@ class TaskMoves : public ::testing::Test {
     ProjectJson project;
 };
 
-// Plan (12) > Design, Build, Test; Ship (16) > Pack.
-class TwoGroups : public TaskMoves {
+// Plan (12) > Phase (13) > Design (14), Build (15); Ship (16) > Pack (17).
+class Outline : public TaskMoves {
   protected:
-    TwoGroups() {
+    Outline() {
         project.Task(12, 1, "Plan");
-        project.Task(13, 2, "Design", {{"C", "AL"}, {"P", k0800}, {"D", k0900}});
-        project.Task(14, 2, "Build", {{"C", "AL"}, {"P", k0900}, {"D", k1000}});
-        project.Task(15, 2, "Test", {{"C", "BO"}, {"P", k1000}, {"D", k1100}, {"H", "Build"}});
+        project.Task(13, 2, "Phase");
+        project.Task(14, 3, "Design", {{"C", "AL"}, {"P", k0800}, {"D", k0900}});
+        project.Task(15, 3, "Build", {{"C", "AL"}, {"P", k0900}, {"D", k1000}, {"H", "Design"}});
         project.Task(16, 1, "Ship");
         project.Task(17, 2, "Pack", {{"C", "BO"}, {"P", k0800}, {"D", k0900}});
         Open();
     }
 };
 
-TEST_F(TwoGroups, ABlockMovesDownWithItsCellsAndStaysSelected) {
-    Select(13, 14);
-    EXPECT_EQ(MoveTasks(+1), 1);
+TEST_F(Outline, MovesThatWouldBreakTheOutlineAreRefused) {
+    const auto up = [] { return MoveTasks(-1); };
+    const auto down = [] { return MoveTasks(+1); };
+    const auto indent = [] { return IndentTasks(+1); };
+    const auto outdent = [] { return IndentTasks(-1); };
+    // The first task cannot move up, be indented or outdented.
+    ExpectRefused(12, 12, up);
+    ExpectRefused(12, 12, indent);
+    ExpectRefused(12, 12, outdent);
+    // Taking Phase out would leave Design two levels below Plan (and a level-2 task cannot become
+    // the first).
+    ExpectRefused(13, 13, up);
+    ExpectRefused(13, 13, down);
+    // Design would stand two levels below Plan, or Build two below Ship.
+    ExpectRefused(14, 14, up);
+    ExpectRefused(15, 15, down);
+    // The selection reaches the last task; no task on the first selected row.
+    ExpectRefused(16, 17, down);
+    ExpectRefused(18, 19, down);
+    ExpectRefused(18, 19, indent);
+    // Design is already one level below Phase; Ship is at the top level; Design, right under the
+    // selected Phase, would be left without its parent.
+    ExpectRefused(14, 14, indent);
+    ExpectRefused(16, 16, outdent);
+    ExpectRefused(13, 13, outdent);
+    // The first task row cannot be offset.
+    ExpectRefused(12, 13, [] { return OffsetTasks(2, 15); });
+}
 
-    EXPECT_EQ(Name(13, 2), "Test");
-    EXPECT_EQ(Name(14, 2), "Design");
-    EXPECT_EQ(Name(15, 2), "Build");
-    EXPECT_EQ(SelectedRows(), "14:15");
-    EXPECT_EQ(project.Text("A13"), "1.1");
-    EXPECT_EQ(project.Text("A15"), "1.3");
-    EXPECT_EQ(project.Text("H13"), "Build");
-    EXPECT_EQ(project.Formula("P12"), "=IF(MIN(P13,P14,P15)=0,\"\",MIN(P13,P14,P15))");
-    EXPECT_NEAR(project.Number("P14"), k0800, 1e-9);
-    // The status marker and the bars of each row were drawn again for the task now on it.
-    for (int row = 13; row <= 15; ++row) {
+TEST_F(Outline, ARowMovesWithItsCellsAndStaysSelected) {
+    Select(15, 15);
+    kpTasksMoveUp();
+
+    EXPECT_EQ(Name(14, 3), "Build");
+    EXPECT_EQ(Name(15, 3), "Design");
+    EXPECT_EQ(SelectedRows(), "14:14");
+    EXPECT_EQ(project.Text("A14"), "1.1.1");
+    EXPECT_EQ(project.Text("H14"), "Design");
+    EXPECT_EQ(project.Formula("P13"), "=IF(MIN(P14,P15)=0,\"\",MIN(P14,P15))");
+    EXPECT_NEAR(project.Number("P15"), k0800, 1e-9);
+    // Both rows' bars were drawn again for the task now on them.
+    for (int row = 14; row <= 15; ++row) {
         const sheethost::Shape* bar = project.ShapeNamed("GanntBar" + std::to_string(row) + "A");
         ASSERT_NE(bar, nullptr) << row;
         const ProjectJson::Box box = project.CellBox("A" + std::to_string(row));
@@ -97,98 +124,37 @@ TEST_F(TwoGroups, ABlockMovesDownWithItsCellsAndStaysSelected) {
     }
 }
 
-TEST_F(TwoGroups, ATaskMovesUpThroughTheExport) {
-    Select(15, 15);
-    kpTasksMoveUp();
+// Pack moves up under Plan: Ship is left without children and turns into an ordinary task whose
+// roll-ups become plain values.
+TEST_F(Outline, AMoveCanLeaveASummaryWithoutChildren) {
+    Select(17, 17);
+    ASSERT_EQ(MoveTasks(-1), 1);
 
-    EXPECT_EQ(Name(14, 2), "Test");
-    EXPECT_EQ(Name(15, 2), "Build");
-    EXPECT_EQ(SelectedRows(), "14:14");
-}
-
-// Design moves below Ship, which becomes its parent: Plan is left without children and turns
-// into an ordinary task whose roll-ups become plain values.
-TEST_F(TwoGroups, AMoveCanLeaveASummaryWithoutChildren) {
-    Select(13, 15);
-    ASSERT_EQ(MoveTasks(+1), 1);
-
-    EXPECT_EQ(Name(12, 1), "Plan");
-    EXPECT_EQ(Name(13, 1), "Ship");
-    EXPECT_EQ(project.Text("A13"), "2");
-    EXPECT_EQ(project.Text("A14"), "2.1");
-    EXPECT_EQ(project.Text("A17"), "2.4");
-    EXPECT_EQ(project.Formula("P12"), "");
-    EXPECT_NEAR(project.Number("P12"), k0800, 1e-9);
-    EXPECT_EQ(project.Formula("P13"), "=IF(MIN(P14,P15,P16,P17)=0,\"\",MIN(P14,P15,P16,P17))");
+    EXPECT_EQ(Name(16, 2), "Pack");
+    EXPECT_EQ(project.Text("A16"), "1.2");
+    EXPECT_EQ(project.Text("A17"), "2");
+    EXPECT_EQ(project.Formula("F12"), "=IF(SUM(F13,F16)=0,\"\",SUM(F13,F16))");
+    EXPECT_EQ(project.Formula("P17"), "");
+    EXPECT_NEAR(project.Number("P17"), k0800, 1e-9);
     // An ordinary task now, it is asked for its resource.
-    EXPECT_EQ(ProjectJson::Messages().back().text, "Please specify resource for task '1Plan'");
+    EXPECT_EQ(ProjectJson::Messages().back().text, "Please specify resource for task '2Ship'");
 }
 
-TEST_F(TwoGroups, MovesThatWouldBreakTheOutlineAreRefused) {
-    // Up: the first task; a level-2 task onto the first row.
-    ExpectRefused(12, 12, [] { return MoveTasks(-1); });
-    ExpectRefused(13, 13, [] { return MoveTasks(-1); });
-    // Down: a selection reaching the last task.
-    ExpectRefused(16, 17, [] { return MoveTasks(+1); });
-    // No task on the first selected row.
-    ExpectRefused(18, 18, [] { return MoveTasks(+1); });
-}
-
-// Plan (12) > Phase (13) > Design (14); Ship (15) > Pack (16); Done (17).
-class ThreeLevels : public TaskMoves {
-  protected:
-    ThreeLevels() {
-        project.Task(12, 1, "Plan");
-        project.Task(13, 2, "Phase");
-        project.Task(14, 3, "Design", {{"C", "AL"}});
-        project.Task(15, 1, "Ship");
-        project.Task(16, 2, "Pack", {{"C", "BO"}});
-        project.Task(17, 1, "Done", {{"C", "BO"}});
-        Open();
-    }
-};
-
-TEST_F(ThreeLevels, MovesThatWouldBreakTheOutlineAreRefused) {
-    // Taking Phase out would leave Design two levels below Plan.
-    ExpectRefused(13, 13, [] { return MoveTasks(+1); });
-    ExpectRefused(13, 13, [] { return MoveTasks(-1); });
-    // Design two levels below Plan, the task two rows up.
-    ExpectRefused(14, 14, [] { return MoveTasks(-1); });
-    // Design would land under Ship, two levels deeper.
-    ExpectRefused(14, 14, [] { return MoveTasks(+1); });
-}
-
-TEST_F(ThreeLevels, IndentAndOutdentKeepTheStructureInsideTheSelection) {
+TEST_F(Outline, IndentAndOutdentKeepTheStructureInsideTheSelection) {
     // Ship and Pack one level deeper: Ship becomes Plan's second child, Pack stays Ship's child.
-    Select(15, 16);
+    Select(16, 17);
     ASSERT_EQ(IndentTasks(+1), 1);
-    EXPECT_EQ(Name(15, 2), "Ship");
-    EXPECT_EQ(Name(15, 1), "");
-    EXPECT_EQ(Name(16, 3), "Pack");
-    EXPECT_EQ(project.Text("A15"), "1.2");
-    EXPECT_EQ(project.Text("A16"), "1.2.1");
-    EXPECT_EQ(project.Formula("F12"), "=IF(SUM(F13,F15)=0,\"\",SUM(F13,F15))");
-    EXPECT_EQ(SelectedRows(), "15:16");
+    EXPECT_EQ(Name(16, 2), "Ship");
+    EXPECT_EQ(Name(16, 1), "");
+    EXPECT_EQ(Name(17, 3), "Pack");
+    EXPECT_EQ(project.Text("A17"), "1.2.1");
+    EXPECT_EQ(project.Formula("F12"), "=IF(SUM(F13,F16)=0,\"\",SUM(F13,F16))");
 
     ASSERT_EQ(IndentTasks(-1), 1);
-    EXPECT_EQ(Name(15, 1), "Ship");
-    EXPECT_EQ(Name(16, 2), "Pack");
-    EXPECT_EQ(project.Text("A16"), "2.1");
+    EXPECT_EQ(Name(16, 1), "Ship");
+    EXPECT_EQ(Name(17, 2), "Pack");
+    EXPECT_EQ(project.Text("A17"), "2.1");
     EXPECT_EQ(project.Formula("F12"), "=IF(SUM(F13)=0,\"\",SUM(F13))");
-}
-
-TEST_F(ThreeLevels, IndentsThatWouldBreakTheOutlineAreRefused) {
-    // The first task row.
-    ExpectRefused(12, 12, [] { return IndentTasks(+1); });
-    ExpectRefused(12, 12, [] { return IndentTasks(-1); });
-    // Design is already one level below Phase.
-    ExpectRefused(14, 14, [] { return IndentTasks(+1); });
-    // Ship is at the top level.
-    ExpectRefused(15, 15, [] { return IndentTasks(-1); });
-    // Design, right under the selected Phase, would be left without its parent.
-    ExpectRefused(13, 13, [] { return IndentTasks(-1); });
-    // No task on the first selected row.
-    ExpectRefused(18, 19, [] { return IndentTasks(+1); });
 }
 
 TEST_F(TaskMoves, TheTenthLevelIsTheDeepest) {
