@@ -1,6 +1,5 @@
 #include "wbs/filter.h"
 
-#include <algorithm>
 #include <cctype>
 #include <charconv>
 #include <string_view>
