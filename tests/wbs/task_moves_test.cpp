@@ -176,7 +176,7 @@ TEST_F(TaskMoves, FewerThanTwoTasksMoveNothing) {
     ExpectRefused(13, 13, [] { return OffsetTasks(1, 30); });
 }
 
-// Plan (12) > Design 09:00-10:00, Running (started), Night 23:00-00:30; Ship (16).
+// Plan (12) > Design 09:00-10:00, Running (started), Night 23:00-00:30; Ship (16) > Pack (17).
 class Offsets : public TaskMoves {
   protected:
     Offsets() {
@@ -184,7 +184,8 @@ class Offsets : public TaskMoves {
         project.Task(13, 2, "Design", {{"C", "AL"}, {"P", k0900}, {"D", k1000}});
         project.Task(14, 2, "Running", {{"C", "AL"}, {"P", k0900}, {"D", k1000}, {"J", 10}});
         project.Task(15, 2, "Night", {{"C", "BO"}, {"P", 23.0 / 24}, {"D", 0.5 / 24}});
-        project.Task(16, 1, "Ship", {{"C", "BO"}, {"P", k0900}, {"D", k1000}});
+        project.Task(16, 1, "Ship");
+        project.Task(17, 2, "Pack", {{"C", "BO"}, {"P", k0900}, {"D", k1000}});
         Open();
     }
 };
@@ -193,7 +194,7 @@ TEST_F(Offsets, NotStartedOrdinaryTasksShiftKeepingTheirWork) {
     // The first task row cannot be offset.
     ExpectRefused(12, 15, [] { return OffsetTasks(2, 15); });
 
-    Select(13, 15);
+    Select(13, 16);
     kpTasksOffset(2, 15);
     EXPECT_NEAR(project.Number("P13"), k0930, 1e-9);
     EXPECT_NEAR(project.Number("D13"), k1030, 1e-9);
