@@ -12,6 +12,8 @@
 #include "gantt/chart.h"
 #include "reports/reports.h"
 #include "settings/settings.h"
+#include "wbs/filter.h"
+#include "wbs/task_moves.h"
 #include "wbs/task_table.h"
 #include "wbs/visible_rows.h"
 #include "wbs/wbs_update.h"
@@ -149,21 +151,38 @@ void kpWBSEventOnSelectionChange(IDispatch** target) {
     // The selection-change handler runs here with `range` once the sheet events are built.
 }
 
-// The task moves, the filter and the progress lines are called from these exports once their
-// subsystems are built; until then they do nothing.
+void kpTasksMoveUp() {
+    const ExportScope scope;
+    MoveTasks(-1);
+}
 
-void kpTasksMoveUp() {}
+void kpTasksMoveDown() {
+    const ExportScope scope;
+    MoveTasks(+1);
+}
 
-void kpTasksMoveDown() {}
+void kpTasksMoveRight() {
+    const ExportScope scope;
+    IndentTasks(+1);
+}
 
-void kpTasksMoveRight() {}
+void kpTasksMoveLeft() {
+    const ExportScope scope;
+    IndentTasks(-1);
+}
 
-void kpTasksMoveLeft() {}
+void kpTasksOffset(std::int32_t first, std::int32_t second) {
+    const ExportScope scope;
+    OffsetTasks(first, second);
+}
 
-void kpTasksOffset(std::int32_t, std::int32_t) {}
+void kpWBSFilter() {
+    const ExportScope scope;
+    FilterCommand();
+}
 
-void kpWBSFilter() {}
-
+// The progress lines are drawn from this export once their subsystem is built; until then it does
+// nothing.
 void kpDrawProgressLines() {}
 
 void kpEVMByTask() {
