@@ -21,7 +21,7 @@ std::vector<EngineCommand> MakeCommands() {
         {"gantt",
          "Draw the Gantt bars and connectors",
          {{"style", true, 1}},
-         false,
+         true,
          [](std::span<const int> a) { kpDrawGanntChart(a[0]); }},
         {"calendar",
          "Draw the calendar strip and the Gantt bars",

@@ -9,6 +9,7 @@
 #include "core/engine_state.h"
 #include "engine/lifecycle.h"
 #include "engine/refresh.h"
+#include "gantt/chart.h"
 #include "settings/settings.h"
 #include "wbs/task_table.h"
 #include "wbs/visible_rows.h"
@@ -74,11 +75,14 @@ void kpDrawGanntChart(std::int32_t style) {
     if (!RefreshSettings()) {
         return;
     }
+    // The chart shows the task sheet as it stands now, with the resources' bar looks.
+    LoadResources();
+    TaskTable_Load();
     const std::string filter = EngineSettings().filterRows;
     if (!filter.empty()) {
         ApplyVisibleRows("");
     }
-    // Every task's bars are drawn here once the chart drawing is built.
+    DrawAllTaskBars();
     if (!filter.empty()) {
         ApplyVisibleRows(filter);
     }
@@ -122,7 +126,7 @@ void kpWBSReschedule() {
     TaskTable_Load();
     UpdatePass();
     settings.rescheduleFlag = savedRescheduleFlag;
-    // Every task's bars are redrawn here once the chart drawing is built.
+    DrawAllTaskBars();
     if (!settings.filterRows.empty()) {
         ApplyVisibleRows(settings.filterRows);
     }

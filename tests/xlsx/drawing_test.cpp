@@ -199,6 +199,24 @@ TEST_F(DrawingTest, AnUnchangedDrawingIsKeptByteForByte) {
               ReadPart(folder / "first.xlsx", "xl/charts/chart1.xml"));
 }
 
+TEST_F(DrawingTest, TextSizedToItsTextStaysOnOneLineAndOtherTextWraps) {
+    const auto book = DrawnWorkbook();
+    Shape wrapped;
+    wrapped.name = "Wrapped";
+    wrapped.textFrame = sheethost::TextFrame{};
+    wrapped.textFrame->runs = {{"A note that may wrap", {}}};
+    AddShape(*book->sheets[0], wrapped);
+    SaveXlsx(*book, {}, folder / "drawn.xlsx");
+
+    const std::string drawing = ReadPart(folder / "drawn.xlsx", "xl/drawings/drawing1.xml");
+    const std::size_t sized = drawing.find("Status 2024/04/15");
+    const std::size_t free = drawing.find("A note that may wrap");
+    ASSERT_NE(sized, std::string::npos);
+    ASSERT_NE(free, std::string::npos);
+    EXPECT_NE(drawing.rfind("wrap=\"none\"", sized), std::string::npos);
+    EXPECT_GT(drawing.rfind("wrap=\"square\"", free), sized);
+}
+
 TEST_F(DrawingTest, RemovingEveryShapeRemovesTheDrawing) {
     SaveXlsx(*DrawnWorkbook(), {}, folder / "first.xlsx");
     const auto loaded = LoadXlsx(folder / "first.xlsx");
