@@ -12,6 +12,8 @@ struct CommandArgument {
     std::string name;
     bool hasDefault = false;
     int defaultValue = 0;
+    // What the number means, for --help; empty gives a plain "The command's NAME".
+    const char* help = "";
 };
 
 struct EngineCommand {
@@ -22,6 +24,8 @@ struct EngineCommand {
     // rather than pretending it ran.
     bool built;
     void (*run)(std::span<const int> arguments);
+    // More about the arguments, shown under the command's own --help.
+    const char* details = "";
 };
 
 const std::vector<EngineCommand>& EngineCommands();

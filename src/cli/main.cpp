@@ -36,6 +36,7 @@ struct CommonOptions {
     bool overwrite = false;
     std::string now;
     std::string rows;
+    std::optional<std::string> filterSpec;
 };
 
 void AddCommonOptions(CLI::App& command, CommonOptions& options) {
@@ -49,6 +50,17 @@ void AddCommonOptions(CLI::App& command, CommonOptions& options) {
                        "Pin the current date and time, \"YYYY-MM-DD HH:MM\" (default: the clock)");
     command.add_option("--rows", options.rows,
                        "The selected task rows FIRST:LAST, which the moves work on");
+}
+
+void AddFilterSpecOption(CLI::App& command, CommonOptions& options) {
+    command.add_option("--spec", options.filterSpec,
+                       "Write the filter \"MODE,ARGUMENT\" into the settings sheet's cell A500 "
+                       "first, as the workbook's filter dialog does (see the filter command's "
+                       "help for the modes)");
+}
+
+std::string ArgumentHelp(const CommandArgument& argument) {
+    return *argument.help != '\0' ? argument.help : "The command's " + argument.name;
 }
 
 // "gantt:2" or "offset:1,3": a command name and its whole-number arguments.
@@ -114,6 +126,7 @@ int Run(const CommonOptions& options, const std::vector<CommandCall>& calls) {
         }
         session.selectedRows = rows;
     }
+    session.filterSpec = options.filterSpec;
     if (!options.output.empty() && !options.overwrite && fs::exists(options.output) &&
         fs::equivalent(options.output, options.workbook)) {
         std::cerr << "vantora: the output would replace the input workbook; give --overwrite to "
@@ -162,15 +175,20 @@ int main(int argc, char** argv) {
             const CommandArgument& argument = command.arguments[i];
             if (argument.hasDefault) {
                 call.arguments[i] = argument.defaultValue;
-                sub->add_option("--" + argument.name, call.arguments[i],
-                                "The command's " + argument.name)
+                sub->add_option("--" + argument.name, call.arguments[i], ArgumentHelp(argument))
                     ->capture_default_str();
             } else {
-                sub->add_option(argument.name, call.arguments[i], "The command's " + argument.name)
+                sub->add_option(argument.name, call.arguments[i], ArgumentHelp(argument))
                     ->required();
             }
         }
         sub->callback([&] { calls.push_back(call); });
+        if (*command.details != '\0') {
+            sub->footer(command.details);
+        }
+        if (std::string_view(command.name) == "filter") {
+            AddFilterSpecOption(*sub, options);
+        }
     }
 
     CLI::App* run = app.add_subcommand(
@@ -178,6 +196,7 @@ int main(int argc, char** argv) {
         "Run several commands in one engine lifetime, in order, as the workbook's macros "
         "would call them one after another");
     AddCommonOptions(*run, options);
+    AddFilterSpecOption(*run, options);
     std::vector<std::string> words;
     run->add_option("COMMAND", words,
                     "A command name, with its whole-number arguments after a colon: update-wbs, "

@@ -6,7 +6,9 @@
 #include "com/text.h"
 #include "engine/exports.h"
 #include "engine/refresh.h"
+#include "sheethost/address.h"
 #include "sheethost/sheethost.h"
+#include "wbs/filter.h"
 #include "wbs/task_table.h"
 
 namespace {
@@ -27,6 +29,16 @@ void SelectRows(sheethost::Workbook& book, RowSpan rows) {
     }
 }
 
+void WriteFilterSpec(sheethost::Workbook& book, const std::string& spec) {
+    for (const auto& sheet : book.sheets) {
+        if (sheet->codeName == "wsSettings") {
+            const sheethost::Area cell = *sheethost::ParseArea(kFilterSpecCell);
+            sheethost::CellAt(*sheet, cell.top, cell.left).value = spec;
+            return;
+        }
+    }
+}
+
 // Releases the host's workbook object when the session ends, after kpQuit: the engine never took a
 // reference of its own.
 struct HostReference {
@@ -40,6 +52,9 @@ bool RunEngineSession(const std::shared_ptr<sheethost::Workbook>& book,
                       std::span<const CommandCall> calls, const SessionOptions& options) {
     if (options.selectedRows) {
         SelectRows(*book, *options.selectedRows);
+    }
+    if (options.filterSpec) {
+        WriteFilterSpec(*book, *options.filterSpec);
     }
     HostReference workbook{sheethost::NewWorkbookObject(book)};
 

@@ -5,6 +5,7 @@
 #include <memory>
 #include <optional>
 #include <span>
+#include <string>
 #include <vector>
 
 #include "cli/commands.h"
@@ -25,6 +26,9 @@ struct SessionOptions {
     std::optional<double> now;
     // The task rows selected on the task sheet, which the moves work on.
     std::optional<RowSpan> selectedRows;
+    // Written into the settings sheet's filter cell before the first command, as the workbook's
+    // filter dialog writes it.
+    std::optional<std::string> filterSpec;
 };
 
 // Runs `calls` on `book` in one engine lifetime. Before the first command the engine is primed as

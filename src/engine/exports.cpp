@@ -11,6 +11,8 @@
 #include "engine/refresh.h"
 #include "gantt/chart.h"
 #include "settings/settings.h"
+#include "wbs/filter.h"
+#include "wbs/task_moves.h"
 #include "wbs/task_table.h"
 #include "wbs/visible_rows.h"
 #include "wbs/wbs_update.h"
@@ -144,20 +146,38 @@ void kpWBSEventOnSelectionChange(IDispatch** target) {
     // The selection-change handler runs here with `range` once the sheet events are built.
 }
 
-// The task moves, the filter, the progress lines and the reports are called from these exports
-// once their subsystems are built; until then they do nothing.
+// The progress lines and the reports are called from these exports once their subsystems are
+// built; until then they do nothing.
 
-void kpTasksMoveUp() {}
+void kpTasksMoveUp() {
+    const ExportScope scope;
+    MoveTasks(-1);
+}
 
-void kpTasksMoveDown() {}
+void kpTasksMoveDown() {
+    const ExportScope scope;
+    MoveTasks(+1);
+}
 
-void kpTasksMoveRight() {}
+void kpTasksMoveRight() {
+    const ExportScope scope;
+    IndentTasks(+1);
+}
 
-void kpTasksMoveLeft() {}
+void kpTasksMoveLeft() {
+    const ExportScope scope;
+    IndentTasks(-1);
+}
 
-void kpTasksOffset(std::int32_t, std::int32_t) {}
+void kpTasksOffset(std::int32_t first, std::int32_t second) {
+    const ExportScope scope;
+    OffsetTasks(first, second);
+}
 
-void kpWBSFilter() {}
+void kpWBSFilter() {
+    const ExportScope scope;
+    FilterCommand();
+}
 
 void kpDrawProgressLines() {}
 
