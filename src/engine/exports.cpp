@@ -10,8 +10,10 @@
 #include "engine/lifecycle.h"
 #include "engine/refresh.h"
 #include "gantt/chart.h"
+#include "gantt/progress_lines.h"
 #include "settings/settings.h"
 #include "wbs/filter.h"
+#include "wbs/sheet_events.h"
 #include "wbs/task_moves.h"
 #include "wbs/task_table.h"
 #include "wbs/visible_rows.h"
@@ -137,13 +139,13 @@ void kpWBSReschedule() {
 void kpWBSEventOnChange(IDispatch** target) {
     const ExportScope scope;
     const XlObject range(Dereference(target));
-    // The sheet-change handler runs here with `range` once the sheet events are built.
+    OnSheetChange(range);
 }
 
 void kpWBSEventOnSelectionChange(IDispatch** target) {
     const ExportScope scope;
     const XlObject range(Dereference(target));
-    // The selection-change handler runs here with `range` once the sheet events are built.
+    OnSelectionChange(range);
 }
 
 // The progress lines and the reports are called from these exports once their subsystems are
@@ -179,7 +181,10 @@ void kpWBSFilter() {
     FilterCommand();
 }
 
-void kpDrawProgressLines() {}
+void kpDrawProgressLines() {
+    const ExportScope scope;
+    DrawProgressLines();
+}
 
 void kpEVMByTask() {}
 

@@ -2,13 +2,15 @@
 // moment and, on each task's row, swings out to the point the task has reached and back. Tasks
 // ahead of plan pull it right, late tasks pull it left. It is named after the day, so a second
 // drawing the same day replaces it while earlier days' lines stay as a history.
+#include "gantt/progress_lines.h"
+
 #include <string>
 
 #include "calendar/task_tests.h"
 #include "core/clock.h"
 #include "core/engine_state.h"
+#include "gantt/drawing.h"
 #include "gantt/gantt.h"
-#include "gantt/progress_lines.h"
 #include "gantt/templates.h"
 #include "settings/settings.h"
 #include "values/values.h"
@@ -18,9 +20,6 @@ namespace {
 // The host's values for a freeform of straight segments with corner nodes.
 constexpr int kStraightSegment = 0;
 constexpr int kCornerNode = 0;
-// Placement: the line moves and sizes with the cells under it.
-constexpr double kMoveAndSize = 1;
-
 // The look of the line when the workbook has no template for it: a red (255, 0, 0) line of 1.5
 // points, solid, so that it stands out from the bars.
 ShapeStyle BuiltInProgressLineStyle() {
@@ -77,8 +76,8 @@ void AddProgressPoint(TaskRecord& task, const ProgressLine& line, const XlObject
         return;
     }
     const XlObject sheet = EngineWbsSheet();
-    const XlObject shape = sheet.ShapeByName(BarTemplateName() + std::to_string(task.row) +
-                                             ProgressShapeLetter(task));
+    const XlObject shape =
+        sheet.ShapeByName(BarTemplateName() + std::to_string(task.row) + ProgressShapeLetter(task));
     if (shape.IsNothing()) {
         return;
     }

@@ -63,7 +63,8 @@ TEST_F(WorkbookTest, StatusBarShowsAMacroTextUntilFalseGivesItBack) {
     EXPECT_EQ(hosttest::TypeOf(application.get(), OLESTR(".StatusBar")), VT_BOOL);
     ASSERT_EQ(Put(workbook.get(), OLESTR(".Application.StatusBar=%s"), "1.2 Design"), S_OK);
     EXPECT_EQ(Text(application.get(), OLESTR(".StatusBar")), "1.2 Design");
-    EXPECT_NE(sheethost::DumpWorkbookJson(*book).find("\"statusBar\": \"1.2 Design\""), std::string::npos);
+    EXPECT_NE(sheethost::DumpWorkbookJson(*book).find("\"statusBar\": \"1.2 Design\""),
+              std::string::npos);
     // The dump loads back with the same text.
     const auto again = sheethost::LoadWorkbookJson(sheethost::DumpWorkbookJson(*book));
     ASSERT_NE(again, nullptr);
