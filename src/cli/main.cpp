@@ -10,6 +10,7 @@
 
 #include "cli/commands.h"
 #include "cli/session.h"
+#include "cli/user_edits.h"
 #include "cli/workbook_file.h"
 #include "values/values.h"
 
@@ -31,6 +32,7 @@ constexpr const char* kExitCodes =
     "engine part is not built yet; 5 the workbook's settings cannot be used.";
 
 struct CommonOptions {
+    std::vector<sheethost::UserEdit> userEdits;
     std::string workbook;
     std::string output;
     bool overwrite = false;
@@ -127,6 +129,7 @@ int Run(const CommonOptions& options, const std::vector<CommandCall>& calls) {
         session.selectedRows = rows;
     }
     session.filterSpec = options.filterSpec;
+    session.userEdits = options.userEdits;
     if (!options.output.empty() && !options.overwrite && fs::exists(options.output) &&
         fs::equivalent(options.output, options.workbook)) {
         std::cerr << "vantora: the output would replace the input workbook; give --overwrite to "
@@ -211,6 +214,17 @@ int main(int argc, char** argv) {
             }
             calls.push_back(*call);
         }
+    });
+
+    CLI::App* edit = app.add_subcommand("edit", kEditHelp);
+    AddCommonOptions(*edit, options);
+    AddUserEditOptions(*edit);
+    edit->callback([&] {
+        auto edits = UserEditsInOrder(*edit, parseError);
+        if (!edits) {
+            throw CLI::ValidationError("edit", parseError);
+        }
+        options.userEdits = std::move(*edits);
     });
 
     try {

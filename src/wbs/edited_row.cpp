@@ -11,9 +11,11 @@
 
 namespace {
 
-// The task sheet's date cells hold times of the task's day: whole days are left out.
+// The task sheet's date cells hold times of the task's day: whole days are left out. Taken to the
+// second, so that the day's serial leaves no rounding error in the time.
 double TimeOfDay(double serial) {
-    return serial - values::Fix(serial);
+    const values::DateTime parts = values::SerialToDateTime(serial);
+    return values::TimeSerial(parts.hour, parts.minute, parts.second);
 }
 
 // A started task with no percentage is shown as 20 % done.
