@@ -63,9 +63,11 @@ std::vector<EngineCommand> MakeCommands() {
          "WSFilterOptionShowDependence keep the summaries above a match and its linked tasks "
          "visible."},
         {"progress-lines",
-         "Draw the progress line of the status date",
+         "Draw the progress line of the status date (--now): a line down the chart at that "
+         "moment that swings out to the point each task has reached; the day's earlier line is "
+         "replaced, earlier days' lines stay",
          {},
-         false,
+         true,
          [](std::span<const int>) { kpDrawProgressLines(); }},
         {"move-up",
          "Move the selected rows (--rows) up by one row as a block, if the outline allows it",

@@ -11,6 +11,7 @@
 #include "cli/commands.h"
 #include "cli/render_command.h"
 #include "cli/session.h"
+#include "cli/user_edits.h"
 #include "cli/workbook_file.h"
 #include "values/values.h"
 
@@ -32,6 +33,7 @@ constexpr const char* kExitCodes =
     "engine part is not built yet; 5 the workbook's settings cannot be used.";
 
 struct CommonOptions {
+    std::vector<sheethost::UserEdit> userEdits;
     std::string workbook;
     std::string output;
     bool overwrite = false;
@@ -124,6 +126,7 @@ int Run(const CommonOptions& options, const std::vector<CommandCall>& calls) {
         session.selectedRows = rows;
     }
     session.filterSpec = options.filterSpec;
+    session.userEdits = options.userEdits;
     if (!options.output.empty() && !options.overwrite && fs::exists(options.output) &&
         fs::equivalent(options.output, options.workbook)) {
         std::cerr << "vantora: the output would replace the input workbook; give --overwrite to "
@@ -213,6 +216,16 @@ int main(int argc, char** argv) {
 
     RenderRequest renderRequest;
     const CLI::App* render = AddRenderCommand(app, renderRequest);
+    CLI::App* edit = app.add_subcommand("edit", kEditHelp);
+    AddCommonOptions(*edit, options);
+    AddUserEditOptions(*edit);
+    edit->callback([&] {
+        auto edits = UserEditsInOrder(*edit, parseError);
+        if (!edits) {
+            throw CLI::ValidationError("edit", parseError);
+        }
+        options.userEdits = std::move(*edits);
+    });
 
     try {
         app.parse(argc, argv);

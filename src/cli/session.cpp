@@ -3,6 +3,7 @@
 #include <iostream>
 
 #include "calendar/resources.h"
+#include "cli/user_edits.h"
 #include "com/text.h"
 #include "engine/exports.h"
 #include "engine/refresh.h"
@@ -69,6 +70,7 @@ bool RunEngineSession(const std::shared_ptr<sheethost::Workbook>& book,
         for (const CommandCall& call : calls) {
             call.command->run(call.arguments);
         }
+        ReplayUserEdits(book, options.userEdits);
     }
     kpQuit();
     kpSetMessageReceiver(nullptr);

@@ -10,6 +10,7 @@
 
 #include "cli/commands.h"
 #include "sheethost/model.h"
+#include "sheethost/user_edits.h"
 
 struct CommandCall {
     const EngineCommand* command;
@@ -29,6 +30,8 @@ struct SessionOptions {
     // Written into the settings sheet's filter cell before the first command, as the workbook's
     // filter dialog writes it.
     std::optional<std::string> filterSpec;
+    // A user's edits of the task sheet, replayed with their sheet events after the commands.
+    std::vector<sheethost::UserEdit> userEdits;
 };
 
 // Runs `calls` on `book` in one engine lifetime. Before the first command the engine is primed as

@@ -10,9 +10,11 @@
 #include "engine/lifecycle.h"
 #include "engine/refresh.h"
 #include "gantt/chart.h"
+#include "gantt/progress_lines.h"
 #include "reports/reports.h"
 #include "settings/settings.h"
 #include "wbs/filter.h"
+#include "wbs/sheet_events.h"
 #include "wbs/task_moves.h"
 #include "wbs/task_table.h"
 #include "wbs/visible_rows.h"
@@ -142,13 +144,13 @@ void kpWBSReschedule() {
 void kpWBSEventOnChange(IDispatch** target) {
     const ExportScope scope;
     const XlObject range(Dereference(target));
-    // The sheet-change handler runs here with `range` once the sheet events are built.
+    OnSheetChange(range);
 }
 
 void kpWBSEventOnSelectionChange(IDispatch** target) {
     const ExportScope scope;
     const XlObject range(Dereference(target));
-    // The selection-change handler runs here with `range` once the sheet events are built.
+    OnSelectionChange(range);
 }
 
 void kpTasksMoveUp() {
@@ -181,9 +183,10 @@ void kpWBSFilter() {
     FilterCommand();
 }
 
-// The progress lines are drawn from this export once their subsystem is built; until then it does
-// nothing.
-void kpDrawProgressLines() {}
+void kpDrawProgressLines() {
+    const ExportScope scope;
+    DrawProgressLines();
+}
 
 void kpEVMByTask() {
     const ExportScope scope;

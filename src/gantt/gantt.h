@@ -51,6 +51,8 @@ void LoadGanttStyles();
 std::string BarTemplateName();
 // The name of the connector template: the prefix of every connector drawn.
 std::string ConnectorTemplateName();
+// The name of the progress-line template: the prefix of every day's progress line.
+std::string ProgressLineTemplateName();
 
 // Copies the line and fill of a template onto a new shape.
 void CopyShapeStyle(const XlObject& source, const XlObject& target);
