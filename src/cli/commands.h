@@ -32,6 +32,8 @@ struct EngineCommand {
     // rather than pretending it ran.
     bool built;
     void (*run)(std::span<const int> arguments);
+    // More about the arguments, shown under the command's own --help.
+    const char* details = "";
 };
 
 const std::vector<EngineCommand>& EngineCommands();

@@ -238,6 +238,8 @@ struct Workbook {
     int lastChartNumber = 0;
     // The program's Application.ScreenUpdating, which a command switches off while it works.
     bool screenUpdating = true;
+    // The text a macro put into the program's status bar; none while the program shows its own.
+    std::optional<std::string> statusBar;
 };
 
 // Style lookups and cell access that keep the format inheritance (cell, row, column, default).

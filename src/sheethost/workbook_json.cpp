@@ -357,10 +357,12 @@ void ReadSelection(const Workbook& book, const std::shared_ptr<Sheet>& sheet, co
 }
 
 std::shared_ptr<Workbook> ReadWorkbook(const json& root) {
-    CheckKeys(root, {"name", "activeSheet", "names", "styles", "sheets", "chartSheets"}, "workbook",
-              false);
+    CheckKeys(root,
+              {"name", "activeSheet", "names", "styles", "sheets", "chartSheets", "statusBar"},
+              "workbook", false);
     auto book = std::make_shared<Workbook>();
     book->name = root.value("name", book->name);
+    if (root.contains("statusBar")) book->statusBar = root["statusBar"].get<std::string>();
     const json styleTable = root.value("styles", json::object());
     const StyleReader styles(styleTable);
     book->names = ReadNames(root.value("names", json::object()), "names");
@@ -540,6 +542,7 @@ std::string DumpWorkbookJson(const Workbook& book) {
     if (book.activeSheet < book.sheets.size()) {
         root["activeSheet"] = book.sheets[book.activeSheet]->name;
     }
+    if (book.statusBar) root["statusBar"] = *book.statusBar;
     return root.dump(2) + "\n";
 }
 

@@ -84,11 +84,13 @@ double OnCalendarDay(double timeOfDay, const CalendarDay& day) {
     return placed;
 }
 
-void CountTaskRows(TaskTable& table, NameCells& names) {
-    table.taskCount = 0;
-    while (table.taskCount < kMaxTaskRows && names.Named(table.taskCount)) {
-        ++table.taskCount;
+// The task rows run from the first task row down to the first row without a name.
+std::int64_t CountNamedRows(NameCells& names) {
+    std::int64_t count = 0;
+    while (count < kMaxTaskRows && names.Named(count)) {
+        ++count;
     }
+    return count;
 }
 
 // Rows 1..taskCount are derived from the sheet, including the row just below the last task, whose
@@ -162,7 +164,7 @@ void TaskTable_Load() {
     TaskTable& table = EngineTasks();
     const SettingsRecord& settings = EngineSettings();
     NameCells names(settings.firstTaskRow);
-    CountTaskRows(table, names);
+    table.taskCount = CountNamedRows(names);
     DeriveOutline(table, names);
     GrowPool(table);
     table.byWbs.Clear(false);
@@ -277,6 +279,11 @@ std::string Tasks_AncestorRows(std::int64_t row) {
         }
     }
     return rows;
+}
+
+std::int64_t TaskRowCount() {
+    NameCells names(EngineSettings().firstTaskRow);
+    return CountNamedRows(names);
 }
 
 bool IsTaskRow(std::int64_t row) {

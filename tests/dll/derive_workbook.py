@@ -10,6 +10,12 @@ sample as it changes:
   no-resource-sheet  the resource sheet removed: binding leaves its reference null
   untidy           cells as users leave them: formulas and error values on ordinary tasks,
                    numbers and times typed as text, missing and unknown resources, violated links
+  select:FIRST:LAST  whole rows FIRST to LAST selected on the task sheet, which is made the
+                   active sheet, as a user selects rows before moving them
+  filter:SPEC      the filter cell A500 of the settings sheet set to SPEC ("5," or "1,CREW,"),
+                   as the workbook's filter dialog writes it
+
+Variants join with "+": "select:21:22+filter:5,".
 """
 import json
 import sys
@@ -57,6 +63,17 @@ def untidy(book):
     cells["V22"] = "2.1.1SF, D2"
 
 
+def select_rows(book, first, last):
+    wbs = sheet_with_code(book, "wsWBS")
+    wbs["selection"] = f"{first}:{last}"
+    wbs["activeCell"] = f"A{first}"
+    book["activeSheet"] = wbs["name"]
+
+
+def filter_spec(book, spec):
+    sheet_with_code(book, "wsSettings").setdefault("cells", {})["A500"] = spec
+
+
 VARIANTS = {
     "as-is": lambda book: None,
     "no-templates": no_templates,
@@ -66,12 +83,26 @@ VARIANTS = {
 }
 
 
+def apply_variant(book, variant):
+    name, _, argument = variant.partition(":")
+    if name == "select":
+        first, _, last = argument.partition(":")
+        select_rows(book, int(first), int(last))
+    elif name == "filter":
+        filter_spec(book, argument)
+    elif variant in VARIANTS:
+        VARIANTS[variant](book)
+    else:
+        sys.exit(__doc__)
+
+
 def main():
-    if len(sys.argv) != 4 or sys.argv[1] not in VARIANTS:
+    if len(sys.argv) != 4:
         sys.exit(__doc__)
     with open(sys.argv[2], encoding="utf-8") as source:
         book = json.load(source)
-    VARIANTS[sys.argv[1]](book)
+    for variant in sys.argv[1].split("+"):
+        apply_variant(book, variant)
     with open(sys.argv[3], "w", encoding="utf-8") as target:
         json.dump(book, target, indent=1)
 

@@ -111,18 +111,23 @@ class ProjectJson {
         json_["sheets"].push_back({{"name", name}, {"codeName", codeName}, {"cells", cells}});
     }
 
+    // A workbook name, such as a table of the settings sheet: "=Settings!$E$2:$F$3".
+    void Name(std::string_view name, std::string_view reference) {
+        json_["names"][std::string(name)] = reference;
+    }
+
     void HideRow(int row) { Sheet("WBS")["rows"][std::to_string(row)] = {{"hidden", true}}; }
 
-    // A template shape on the settings sheet.
+    // A template shape, on the settings sheet unless another is named.
     void AddTemplate(std::string_view name, int autoShapeType, double width, double height,
-                     std::int32_t fillColour, std::int32_t lineColour = 0) {
-        Shapes("Settings")
-            .push_back({{"name", name},
-                        {"autoShapeType", autoShapeType},
-                        {"width", width},
-                        {"height", height},
-                        {"line", {{"foreColor", lineColour}, {"weight", 1.5}}},
-                        {"fill", {{"foreColor", fillColour}}}});
+                     std::int32_t fillColour, std::int32_t lineColour = 0,
+                     std::string_view sheet = "Settings") {
+        Shapes(sheet).push_back({{"name", name},
+                                 {"autoShapeType", autoShapeType},
+                                 {"width", width},
+                                 {"height", height},
+                                 {"line", {{"foreColor", lineColour}, {"weight", 1.5}}},
+                                 {"fill", {{"foreColor", fillColour}}}});
     }
 
     // The templates every status colour needs: levels 1 and 2, the frame and the three markers.
