@@ -12,6 +12,8 @@ struct CommandArgument {
     std::string name;
     bool hasDefault = false;
     int defaultValue = 0;
+    // What the number means, in the planner's words; --help shows it.
+    std::string description;
 };
 
 struct EngineCommand {
@@ -22,7 +24,12 @@ struct EngineCommand {
     // rather than pretending it ran.
     bool built;
     void (*run)(std::span<const int> arguments);
+    // The command works on the selected task rows, which --rows gives.
+    bool usesSelection = false;
 };
 
 const std::vector<EngineCommand>& EngineCommands();
 const EngineCommand* FindEngineCommand(std::string_view name);
+// The known command name closest to a mistyped one (engine commands and `others`), or empty when
+// none is close.
+std::string ClosestCommandName(std::string_view name, std::span<const std::string_view> others);

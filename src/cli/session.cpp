@@ -36,8 +36,8 @@ struct HostReference {
 
 }  // namespace
 
-bool RunEngineSession(const std::shared_ptr<sheethost::Workbook>& book,
-                      std::span<const CommandCall> calls, const SessionOptions& options) {
+bool WithPrimedEngine(const std::shared_ptr<sheethost::Workbook>& book,
+                      const SessionOptions& options, const std::function<void()>& body) {
     if (options.selectedRows) {
         SelectRows(*book, *options.selectedRows);
     }
@@ -51,12 +51,19 @@ bool RunEngineSession(const std::shared_ptr<sheethost::Workbook>& book,
     if (usable) {
         LoadResources();
         TaskTable_Load();
-        for (const CommandCall& call : calls) {
-            call.command->run(call.arguments);
-        }
+        body();
     }
     kpQuit();
     kpSetMessageReceiver(nullptr);
     kpSetStatusDate(0);
     return usable;
+}
+
+bool RunEngineSession(const std::shared_ptr<sheethost::Workbook>& book,
+                      std::span<const CommandCall> calls, const SessionOptions& options) {
+    return WithPrimedEngine(book, options, [&] {
+        for (const CommandCall& call : calls) {
+            call.command->run(call.arguments);
+        }
+    });
 }
