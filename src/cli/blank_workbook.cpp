@@ -97,6 +97,11 @@ json TaskSheet(const std::vector<double>& days, const std::string& lastChartColu
         {"codeName", "wsWBS"},
         {"zoom", 85},
         {"selection", "C" + std::to_string(kFirstTaskRow)},
+        // The headings and the task columns stay in view while the chart scrolls; it prints
+        // across as many landscape pages as it needs, one page tall.
+        {"freezePanes",
+         sheethost::ColumnLetters(kCalendarFirstColumn) + std::to_string(kFirstTaskRow)},
+        {"pageSetup", {{"orientation", "landscape"}, {"fitToPagesWide", 0}, {"fitToPagesTall", 1}}},
         {"columns",
          {{"A", {{"width", 1.5}}},
           {"B", {{"width", 7}, {"style", {{"numberFormat", "@"}}}}},

@@ -280,3 +280,16 @@ TEST(Program, EveryCommandStopsOnAnUnusableWorkbookAndNamesTheClosestCommand) {
     EXPECT_EQ(ClosestCommandName("chek", others), "check");
     EXPECT_EQ(ClosestCommandName("frobnicate", others), "");
 }
+
+TEST(SampleWorkbook, TheShippedXlsxIsTheSampleJsonConverted) {
+    TemporaryFolder folder;
+    const fs::path examples =
+        fs::path(__FILE__).parent_path().parent_path().parent_path() / "examples";
+    WriteWorkbookFile(*ReadWorkbookFile(examples / "sample.json"), {}, folder / "fresh.xlsx");
+    const auto shipped = ReadWorkbookFile(examples / "sample.xlsx");
+    const auto fresh = ReadWorkbookFile(folder / "fresh.xlsx");
+    shipped->name = fresh->name;  // a workbook read from a file is named after it
+    EXPECT_EQ(sheethost::DumpWorkbookJson(*shipped), sheethost::DumpWorkbookJson(*fresh))
+        << "make it again: vantora convert examples/sample.json -o examples/sample.xlsx "
+           "--overwrite";
+}
