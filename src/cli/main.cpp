@@ -143,6 +143,23 @@ int Run(const CommonOptions& options, const std::vector<CommandCall>& calls) {
     return kSuccess;
 }
 
+// --rows given to an engine command that does not work on the selection: says which ones do.
+std::string MisplacedRows(int argc, char** argv) {
+    const EngineCommand* command = argc > 1 ? FindEngineCommand(argv[1]) : nullptr;
+    if (command == nullptr || command->usesSelection) return {};
+    const bool rows = std::any_of(argv + 2, argv + argc, [](const char* argument) {
+        return std::string_view(argument).starts_with("--rows");
+    });
+    if (!rows) return {};
+    std::string selectionCommands;
+    for (const EngineCommand& other : EngineCommands()) {
+        if (!other.usesSelection) continue;
+        selectionCommands += (selectionCommands.empty() ? "" : ", ") + std::string(other.name);
+    }
+    return std::string(command->name) + " works on the whole task table, not on selected rows; " +
+           "--rows is for " + selectionCommands;
+}
+
 bool HasSubcommand(const CLI::App& app, std::string_view name) {
     const auto commands = app.get_subcommands([](const CLI::App*) { return true; });
     return std::any_of(commands.begin(), commands.end(),
@@ -260,12 +277,20 @@ int main(int argc, char** argv) {
         std::cerr << "vantora: " << UnknownCommand(argv[1]) << '\n';
         return kUsageError;
     }
+    if (const std::string misplaced = MisplacedRows(argc, argv); !misplaced.empty()) {
+        std::cerr << "vantora: " << misplaced << '\n';
+        return kUsageError;
+    }
     try {
         app.parse(argc, argv);
     } catch (const CLI::Success& done) {
         return app.exit(done);
     } catch (const CLI::ParseError& error) {
-        std::cerr << "vantora: " << error.what() << " (vantora --help shows the usage)\n";
+        const std::string text = error.what();
+        std::cerr << "vantora: " << text
+                  << (text.find("--help") == std::string::npos ? " (vantora --help shows the usage)"
+                                                               : "")
+                  << '\n';
         return kUsageError;
     }
     if (const auto code = workbookCommands.Run()) return *code;
