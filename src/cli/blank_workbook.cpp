@@ -89,7 +89,7 @@ json TaskSheet(const std::vector<double>& days, const std::string& lastChartColu
                                 {"Q", "Plan end"},   {"R", "AC (min)"}, {"S", "Actual start"},
                                 {"T", "Actual end"}, {"U", "%"},        {"V", "Predecessors"}};
     for (const auto& [column, text] : headers) {
-        cells[std::string(column) + std::to_string(kHeaderRow)] = Header(text);
+        cells[std::string(column) + std::to_string(kHeaderRow)] = text;
     }
     const json thin = Border();
     return {
@@ -122,8 +122,18 @@ json TaskSheet(const std::vector<double>& days, const std::string& lastChartColu
           {std::to_string(kFirstTaskRow) + ":" + last, {{"height", 18}}}}},
         {"cells", cells},
         {"formats",
-         {{{"range", "N1"}, {"numberFormat", "yyyy/mm/dd hh:mm"}},
-          {{"range", "V1"}, {"numberFormat", "yyyy/mm/dd hh:mm"}},
+         {{{"range", "N1"}, {"numberFormat", "yyyy/mm/dd"}},
+          {{"range", "V1"}, {"numberFormat", "yyyy/mm/dd"}},
+          {{"range", "B" + std::to_string(kHeaderRow) + ":V" + std::to_string(kHeaderRow)},
+           {"style", "header"}},
+          // The name heading runs on over the narrow outline columns instead of wrapping there.
+          {{"range", "C" + std::to_string(kHeaderRow)},
+           {"horizontalAlignment", -4131},
+           {"wrapText", false}},
+          {{"range", "C" + std::to_string(kHeaderRow) + ":K" + std::to_string(kHeaderRow)},
+           {"borders", {{"right", {{"lineStyle", -4142}}}}}},
+          {{"range", "D" + std::to_string(kHeaderRow) + ":L" + std::to_string(kHeaderRow)},
+           {"borders", {{"left", {{"lineStyle", -4142}}}}}},
           {{"range", "B" + std::to_string(kFirstTaskRow) + ":V" + last},
            {"borders", {{"left", thin}, {"top", thin}, {"bottom", thin}, {"right", thin}}}}}},
     };
