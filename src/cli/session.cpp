@@ -12,7 +12,7 @@
 namespace {
 
 void PrintMessage(const OLECHAR* text, UINT) {
-    std::cerr << Narrow(text) << '\n';
+    std::cerr << "vantora: " << Narrow(text) << '\n';
 }
 
 void SelectRows(sheethost::Workbook& book, RowSpan rows) {

@@ -176,6 +176,12 @@ class LayoutCheck {
     }
 
     void CheckTaskTable(const Sheet& wbs) {
+        if (const auto name = read_.Find("WSWBSSheetName");
+            name && !name->empty() && !sheethost::SameName(*name, wbs.name)) {
+            Add(false, sheethost::QuotedSheetName(wbs.name),
+                "WSWBSSheetName says '" + *name + "', but the task sheet's tab is named '" +
+                    wbs.name + "'");
+        }
         const auto firstRow = read_.Find("WSFirstTaskRow");
         const auto lastCol = read_.Find("WSLastCol");
         const auto dateRow = read_.Find("WSCalendarDateRow");

@@ -190,6 +190,12 @@ TEST(CheckWorkbook, NamesEachFindingWithItsPlace) {
              return std::string("is not below the chart's date row");
          },
          true},
+        {"a renamed task sheet",
+         [](Workbook& book) {
+             SheetCoded(book, "wsWBS").name = "Plan";
+             return std::string("Plan: WSWBSSheetName says 'WBS'");
+         },
+         false},
         {"a flag that is no flag",
          [](Workbook& book) { return SetSetting(book, "WSAutoUpdateMode", "yes"); }, false},
         {"a bar style out of range",
