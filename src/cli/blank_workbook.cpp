@@ -151,7 +151,7 @@ json SettingsSheet(json& names, const std::string& bodyRange) {
         const std::string at = std::to_string(row);
         const std::string key(setting.key);
         const std::string value =
-            setting.blankValue.empty() ? bodyRange : std::string(setting.blankValue);
+            setting.key == "CSBodyRange" ? bodyRange : std::string(setting.blankValue);
         cells["B" + at] = key;
         // Numbers go in as numbers, so the sheet shows them as a planner typed them.
         const auto number = sheethost::TextToNumber(value);
@@ -268,14 +268,17 @@ json ResourceSheet() {
              {{"A", {{"width", 1.5}}},
               {"B", {{"width", 22}}},
               {"C", {{"width", 10}}},
-              {"D", {{"width", 14}}}}},
+              {"D", {{"width", 14}}},
+              {"E", {{"width", 8}}}}},
             {"cells",
              {{"B1", {{"value", "Resources"}, {"style", "title"}}},
               {"B3", Header("Name")},
               {"C3", Header("Key")},
               {"D3", Header("Bar")},
+              {"E3", Header("Rate")},
               {"B4", "Team"},
-              {"C4", "TEAM"}}},
+              {"C4", "TEAM"},
+              {"E4", 1}}},
             // A resource's bars copy the shape named GanntBarByRes and the resource's name.
             {"shapes",
              {Template(1, "GanntBarByResTeam", 260, 48, 60, 9, 13998939, Outline(0.5, 5855577))}}};

@@ -7,6 +7,13 @@
 
 namespace {
 
+// The periods of the project reports.
+const CommandArgument kPeriodKind{
+    "kind", false, 0,
+    "The periods: 1 = one every <step> days, 2 = weeks from Monday, 3 = calendar months"};
+const CommandArgument kPeriodStep{"step", true, 1,
+                                  "Days per period when kind is 1 (ignored by kinds 2 and 3)"};
+
 std::vector<EngineCommand> MakeCommands() {
     return {
         {"update-wbs",
@@ -23,7 +30,7 @@ std::vector<EngineCommand> MakeCommands() {
          "Draw the Gantt bars and connectors",
          {{"style", true, 1,
            "Bar style: 0 plain bars copied from the templates, 1 to 6 shaped bars"}},
-         false,
+         true,
          [](std::span<const int> a) { kpDrawGanntChart(a[0]); }},
         {"calendar",
          "Draw the calendar strip and the Gantt bars",
@@ -74,21 +81,20 @@ std::vector<EngineCommand> MakeCommands() {
          [](std::span<const int> a) { kpTasksOffset(a[0], a[1]); },
          true},
         {"evm-task",
-         "Write the earned-value figures of every task",
+         "Write the earned-value figures of every task on the sheet EVM0_<today>",
          {},
-         false,
+         true,
          [](std::span<const int>) { kpEVMByTask(); }},
         {"evm-project",
-         "Write the earned-value report of the project",
-         {{"kind", false, 0, "Periods: 1 every STEP days, 2 weeks from Monday, 3 calendar months"},
-          {"step", false, 0, "Days per period, used by kind 1 only"}},
-         false,
+         "Write the project's earned value per period, with its two charts, on the sheet "
+         "EVM<kind>_<today>",
+         {kPeriodKind, kPeriodStep},
+         true,
          [](std::span<const int> a) { kpEVMByProject(a[0], a[1]); }},
         {"workload",
-         "Write the workload report by resource",
-         {{"kind", false, 0, "Periods: 1 every STEP days, 2 weeks from Monday, 3 calendar months"},
-          {"step", false, 0, "Days per period, used by kind 1 only"}},
-         false,
+         "Write every resource's load per period, with its chart, on the sheet Workload<kind>",
+         {kPeriodKind, kPeriodStep},
+         true,
          [](std::span<const int> a) { kpWorkload(a[0], a[1]); }},
     };
 }

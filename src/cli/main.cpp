@@ -239,12 +239,14 @@ int main(int argc, char** argv) {
         call.arguments.resize(command.arguments.size());
         for (std::size_t i = 0; i < command.arguments.size(); ++i) {
             const CommandArgument& argument = command.arguments[i];
+            const std::string help =
+                argument.help.empty() ? "The command's " + argument.name : argument.help;
             if (argument.hasDefault) {
                 call.arguments[i] = argument.defaultValue;
-                sub->add_option("--" + argument.name, call.arguments[i], argument.description)
+                sub->add_option("--" + argument.name, call.arguments[i], help)
                     ->capture_default_str();
             } else {
-                sub->add_option(argument.name, call.arguments[i], argument.description)->required();
+                sub->add_option(argument.name, call.arguments[i], help)->required();
             }
         }
         sub->callback([&] { calls.push_back(call); });

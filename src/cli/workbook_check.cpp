@@ -61,6 +61,9 @@ std::optional<std::string> Meaningless(SettingKind kind, const std::string& text
         case SettingKind::kSeparator:
             if (text.empty()) return "it is empty";
             return std::nullopt;
+        case SettingKind::kOptionalColumn:
+            if (text.empty()) return std::nullopt;
+            [[fallthrough]];
         case SettingKind::kColumn:
             if (IsColumnLetters(text)) return std::nullopt;
             return "'" + text +

@@ -55,6 +55,14 @@ const std::vector<SettingCell>& SettingCells() {
         {"CSCalendarDlgDispFlg", kFlag, false, "1", "Kept for the workbook's own macros"},
         {"GanntBarStyle", kBarStyle, false, "0",
          "Bar style of the last chart: 0 plain bars, 1 to 6 shaped bars"},
+        {"WSDurationCol", kOptionalColumn, false, "",
+         "Task duration in whole days for the reports; empty: counted from the planned dates"},
+        {"WSLoadCol", kOptionalColumn, false, "",
+         "First load column, one per resource column (workload); empty: the planned work"},
+        {"WSForecastBySpiFlg", kFlag, false, "0", "Forecast end dates by SPI (1) or CPI (0)"},
+        {"WSResourceRateFlg", kFlag, false, "0",
+         "1: multiply the project's earned value by the resources' rates"},
+        {"WSResourceRateCol", kColumn, false, "E", "Rate column of the resource sheet"},
     };
     return cells;
 }

@@ -8,16 +8,17 @@
 
 // What a named setting holds, and so what makes its value meaningless.
 enum class SettingKind {
-    kSheetName,     // the tab name of the task sheet
-    kColumn,        // column letters, "A" to "XFD", upper case
-    kCellAddress,   // one cell, such as "N1"
-    kRow,           // a row number, 1 or more
-    kNumber,        // any whole number
-    kSeparator,     // a text of at least one character
-    kFlag,          // 0 or 1
-    kUnit,          // minutes per chart column, more than 0
-    kRangeAddress,  // a block of cells, such as "W5:DA44"
-    kBarStyle,      // 0 to 6
+    kSheetName,       // the tab name of the task sheet
+    kColumn,          // column letters, "A" to "XFD", upper case
+    kOptionalColumn,  // column letters, or empty when the workbook does without the column
+    kCellAddress,     // one cell, such as "N1"
+    kRow,             // a row number, 1 or more
+    kNumber,          // any whole number
+    kSeparator,       // a text of at least one character
+    kFlag,            // 0 or 1
+    kUnit,            // minutes per chart column, more than 0
+    kRangeAddress,    // a block of cells, such as "W5:DA44"
+    kBarStyle,        // 0 to 6
 };
 
 struct SettingCell {
@@ -25,7 +26,7 @@ struct SettingCell {
     SettingKind kind;
     // The commands cannot run sensibly without it (a missing one only surprises otherwise).
     bool required;
-    // The value a new workbook gets; empty for the ones it computes.
+    // The value a new workbook gets (CSBodyRange is computed from its calendar).
     std::string_view blankValue;
     std::string_view meaning;
 };

@@ -9,6 +9,8 @@
 #include "core/engine_state.h"
 #include "engine/lifecycle.h"
 #include "engine/refresh.h"
+#include "gantt/chart.h"
+#include "reports/reports.h"
 #include "settings/settings.h"
 #include "wbs/task_table.h"
 #include "wbs/visible_rows.h"
@@ -74,11 +76,14 @@ void kpDrawGanntChart(std::int32_t style) {
     if (!RefreshSettings()) {
         return;
     }
+    // The chart shows the task sheet as it stands now, with the resources' bar looks.
+    LoadResources();
+    TaskTable_Load();
     const std::string filter = EngineSettings().filterRows;
     if (!filter.empty()) {
         ApplyVisibleRows("");
     }
-    // Every task's bars are drawn here once the chart drawing is built.
+    DrawAllTaskBars();
     if (!filter.empty()) {
         ApplyVisibleRows(filter);
     }
@@ -122,7 +127,7 @@ void kpWBSReschedule() {
     TaskTable_Load();
     UpdatePass();
     settings.rescheduleFlag = savedRescheduleFlag;
-    // Every task's bars are redrawn here once the chart drawing is built.
+    DrawAllTaskBars();
     if (!settings.filterRows.empty()) {
         ApplyVisibleRows(settings.filterRows);
     }
@@ -140,8 +145,8 @@ void kpWBSEventOnSelectionChange(IDispatch** target) {
     // The selection-change handler runs here with `range` once the sheet events are built.
 }
 
-// The task moves, the filter, the progress lines and the reports are called from these exports
-// once their subsystems are built; until then they do nothing.
+// The task moves, the filter and the progress lines are called from these exports once their
+// subsystems are built; until then they do nothing.
 
 void kpTasksMoveUp() {}
 
@@ -157,11 +162,22 @@ void kpWBSFilter() {}
 
 void kpDrawProgressLines() {}
 
-void kpEVMByTask() {}
+void kpEVMByTask() {
+    const ExportScope scope;
+    EvmByTaskReport(0);
+}
 
-void kpEVMByProject(std::int32_t, std::int32_t) {}
+void kpEVMByProject(std::int32_t first, std::int32_t second) {
+    const ExportScope scope;
+    PrepareProjectEvm(first, second);
+    WriteProjectEvmReport();
+}
 
-void kpWorkload(std::int32_t, std::int32_t) {}
+void kpWorkload(std::int32_t first, std::int32_t second) {
+    const ExportScope scope;
+    CollectWorkload();
+    WriteWorkloadReport(first, second);
+}
 
 void kpSetMessageReceiver(MessageReceiver receiver) {
     SetMessageReceiver(receiver);

@@ -16,6 +16,8 @@
 inline constexpr char kCompleteBarTemplate[] = "GanntBar100%";
 inline constexpr char kProgressBarTemplate[] = "GanntBar%";
 inline constexpr char kBarTemplate[] = "GanntBar";
+// Followed by a resource's name, on the resource sheet: that resource's bar look.
+inline constexpr char kResourceBarTemplate[] = "GanntBarByRes";
 inline constexpr char kConnectorTemplate[] = "TaskConnector";
 inline constexpr char kProgressLineTemplate[] = "ProgressLines";
 // Named cell of the settings sheet holding the bar style the last drawing used.
