@@ -1,10 +1,15 @@
-# The two commands of the project: `make demo` and `make test`. Both install what is missing first.
+# The two commands of the project: `make demo` and `make test`. Both install what is missing first:
+# the demo only the compiler and libraries of vantora, the tests also the test tools, the Windows
+# cross compiler, Wine and LibreOffice.
 JOBS ?= $(shell nproc)
 
-.PHONY: demo test bench deps native windows format
+.PHONY: demo test bench deps demo-deps native windows release format
 
 deps:
-	@./scripts/install-deps
+	@./scripts/install-deps test
+
+demo-deps:
+	@./scripts/install-deps demo
 
 native: deps
 	@cmake -S . -B build -DVANTORA_SANITIZE=ON -DCMAKE_BUILD_TYPE=Debug >/dev/null
@@ -18,12 +23,17 @@ windows: deps
 test: native windows
 	@./scripts/run-tests build build-win
 
-demo: native
-	@./scripts/demo build
+# The optimised vantora a planner runs: no sanitizers, no tests.
+release: demo-deps
+	@cmake -S . -B build-release -DCMAKE_BUILD_TYPE=Release -DVANTORA_TESTS=OFF >/dev/null
+	@cmake --build build-release --target vantora -j$(JOBS)
+
+demo: release
+	@./scripts/demo build-release
 
 # Speed and memory of every command and the workbook files at 1,000 and 10,000 tasks, on an
 # optimised build without sanitizers. Prints the README's speed table and the targets.
-bench: deps
+bench: demo-deps
 	@cmake -S . -B build-bench -DCMAKE_BUILD_TYPE=Release -DVANTORA_TESTS=OFF >/dev/null
 	@cmake --build build-bench --target command_bench -j$(JOBS)
 	@build-bench/command_bench examples/sample.json

@@ -15,7 +15,7 @@
 namespace {
 
 void PrintMessage(const OLECHAR* text, UINT) {
-    std::cerr << Narrow(text) << '\n';
+    std::cerr << "vantora: " << Narrow(text) << '\n';
 }
 
 void SelectRows(sheethost::Workbook& book, RowSpan rows) {
@@ -49,8 +49,8 @@ struct HostReference {
 
 }  // namespace
 
-bool RunEngineSession(const std::shared_ptr<sheethost::Workbook>& book,
-                      std::span<const CommandCall> calls, const SessionOptions& options) {
+bool WithPrimedEngine(const std::shared_ptr<sheethost::Workbook>& book,
+                      const SessionOptions& options, const std::function<void()>& body) {
     if (options.selectedRows) {
         SelectRows(*book, *options.selectedRows);
     }
@@ -67,13 +67,20 @@ bool RunEngineSession(const std::shared_ptr<sheethost::Workbook>& book,
     if (usable) {
         LoadResources();
         TaskTable_Load();
-        for (const CommandCall& call : calls) {
-            call.command->run(call.arguments);
-        }
-        ReplayUserEdits(book, options.userEdits);
+        body();
     }
     kpQuit();
     kpSetMessageReceiver(nullptr);
     kpSetStatusDate(0);
     return usable;
+}
+
+bool RunEngineSession(const std::shared_ptr<sheethost::Workbook>& book,
+                      std::span<const CommandCall> calls, const SessionOptions& options) {
+    return WithPrimedEngine(book, options, [&] {
+        for (const CommandCall& call : calls) {
+            call.command->run(call.arguments);
+        }
+        ReplayUserEdits(book, options.userEdits);
+    });
 }

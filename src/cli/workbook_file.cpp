@@ -79,3 +79,8 @@ void WriteWorkbookFile(const sheethost::Workbook& book, const fs::path& source,
         throw WorkbookFileError(path.string() + ": cannot be written: " + error.message());
     }
 }
+
+bool WouldReplaceInput(const fs::path& output, const fs::path& input) {
+    std::error_code error;
+    return fs::exists(output, error) && fs::equivalent(output, input, error);
+}

@@ -276,13 +276,30 @@ void ReadCell(Sheet& sheet, const std::string& address, const json& entry,
 std::shared_ptr<Sheet> ReadSheet(const Workbook& book, const json& entry, const StyleReader& styles,
                                  const std::string& where) {
     CheckKeys(entry,
-              {"name", "codeName", "zoom", "selection", "activeCell", "columns", "rows", "cells",
-               "formats", "names", "shapes", "charts"},
+              {"name", "codeName", "zoom", "selection", "activeCell", "freezePanes", "pageSetup",
+               "columns", "rows", "cells", "formats", "names", "shapes", "charts"},
               where, false);
     auto sheet = std::make_shared<Sheet>();
     sheet->name = entry.at("name").get<std::string>();
     sheet->codeName = entry.value("codeName", sheet->name);
     sheet->zoom = entry.value("zoom", 100);
+    if (entry.contains("freezePanes")) {
+        const auto cell = ParseArea(entry["freezePanes"].get<std::string>());
+        if (!cell || cell->Rows() != 1 || cell->Columns() != 1) Fail(where, "bad freezePanes");
+        sheet->frozenAt = CellRef{cell->top, cell->left};
+    }
+    if (entry.contains("pageSetup")) {
+        const json& page = entry["pageSetup"];
+        CheckKeys(page, {"orientation", "fitToPagesWide", "fitToPagesTall"}, where + ".pageSetup",
+                  false);
+        const std::string orientation = page.value("orientation", "portrait");
+        if (orientation != "portrait" && orientation != "landscape") {
+            Fail(where + ".pageSetup", "orientation must be portrait or landscape");
+        }
+        sheet->pageSetup.landscape = orientation == "landscape";
+        sheet->pageSetup.fitToPagesWide = page.value("fitToPagesWide", 0);
+        sheet->pageSetup.fitToPagesTall = page.value("fitToPagesTall", 0);
+    }
 
     // value() answers a temporary: keep it alive for the loop over its items.
     const json columns = entry.value("columns", json::object());
@@ -489,7 +506,7 @@ json SheetJson(const Sheet& sheet, StyleTable& styles) {
     json charts = json::array();
     for (const auto& chart : sheet.charts) charts.push_back(ChartToJson(*chart));
     const CellRef active = sheet.activeCell;
-    return {
+    json entry = {
         {"name", sheet.name},
         {"codeName", sheet.codeName},
         {"zoom", sheet.zoom},
@@ -502,6 +519,17 @@ json SheetJson(const Sheet& sheet, StyleTable& styles) {
         {"shapes", std::move(shapes)},
         {"charts", std::move(charts)},
     };
+    // Written only when set, so the dumps of sheets without them stay as they were.
+    if (sheet.frozenAt != CellRef{}) {
+        entry["freezePanes"] =
+            ColumnLetters(sheet.frozenAt.column) + std::to_string(sheet.frozenAt.row);
+    }
+    if (sheet.pageSetup != PageSetup{}) {
+        entry["pageSetup"] = {{"orientation", sheet.pageSetup.landscape ? "landscape" : "portrait"},
+                              {"fitToPagesWide", sheet.pageSetup.fitToPagesWide},
+                              {"fitToPagesTall", sheet.pageSetup.fitToPagesTall}};
+    }
+    return entry;
 }
 
 }  // namespace
