@@ -93,6 +93,7 @@ inline constexpr HRESULT DISP_E_BADVARTYPE = MAKE_HRESULT_CONST(0x80020008);
 inline constexpr HRESULT DISP_E_EXCEPTION = MAKE_HRESULT_CONST(0x80020009);
 inline constexpr HRESULT DISP_E_OVERFLOW = MAKE_HRESULT_CONST(0x8002000A);
 inline constexpr HRESULT DISP_E_BADINDEX = MAKE_HRESULT_CONST(0x8002000B);
+inline constexpr HRESULT DISP_E_ARRAYISLOCKED = MAKE_HRESULT_CONST(0x8002000D);
 inline constexpr HRESULT DISP_E_BADPARAMCOUNT = MAKE_HRESULT_CONST(0x8002000E);
 inline constexpr HRESULT DISP_E_PARAMNOTOPTIONAL = MAKE_HRESULT_CONST(0x8002000F);
 inline constexpr HRESULT DISP_E_DIVBYZERO = MAKE_HRESULT_CONST(0x80020012);
@@ -195,6 +196,31 @@ struct DECIMAL {
     ULONGLONG Lo64;
 };
 
+// Arrays of automation values. The bounds are kept last dimension first, as the system keeps them;
+// the functions below take and give them first dimension first. Elements lie with the first index
+// varying fastest.
+struct SAFEARRAYBOUND {
+    ULONG cElements;
+    LONG lLbound;
+};
+using LPSAFEARRAYBOUND = SAFEARRAYBOUND*;
+
+struct SAFEARRAY {
+    USHORT cDims;
+    USHORT fFeatures;
+    ULONG cbElements;
+    ULONG cLocks;
+    PVOID pvData;
+    SAFEARRAYBOUND rgsabound[1];
+};
+using LPSAFEARRAY = SAFEARRAY*;
+
+inline constexpr USHORT FADF_HAVEVARTYPE = 0x80;
+inline constexpr USHORT FADF_BSTR = 0x100;
+inline constexpr USHORT FADF_UNKNOWN = 0x200;
+inline constexpr USHORT FADF_DISPATCH = 0x400;
+inline constexpr USHORT FADF_VARIANT = 0x800;
+
 struct tagVARIANT;
 using VARIANT = tagVARIANT;
 using VARIANTARG = tagVARIANT;
@@ -223,6 +249,8 @@ struct tagVARIANT {
                 IUnknown* punkVal;
                 IDispatch* pdispVal;
                 VARIANT* pvarVal;
+                SAFEARRAY* parray;
+                SAFEARRAY** pparray;
                 PVOID byref;
                 CHAR cVal;
                 USHORT uiVal;
@@ -252,6 +280,8 @@ struct tagVARIANT {
 #define V_UNKNOWN(v) ((v)->punkVal)
 #define V_ERROR(v) ((v)->scode)
 #define V_VARIANTREF(v) ((v)->pvarVal)
+#define V_ARRAY(v) ((v)->parray)
+#define V_ISARRAY(v) (((v)->vt & VT_ARRAY) != 0)
 
 struct EXCEPINFO {
     WORD wCode;
@@ -315,6 +345,25 @@ HRESULT VariantCopy(VARIANTARG* dest, VARIANTARG* source);
 HRESULT VariantChangeType(VARIANTARG* dest, VARIANTARG* source, USHORT flags, VARTYPE type);
 HRESULT VariantChangeTypeEx(VARIANTARG* dest, VARIANTARG* source, LCID lcid, USHORT flags,
                             VARTYPE type);
+
+// Arrays. Index vectors give the first dimension first (for a block of cells: row, then column);
+// a dimension argument counts from 1. Arrays of VT_VARIANT, VT_BSTR and interfaces own their
+// elements: putting copies, getting gives a copy, destroying clears them all.
+SAFEARRAY* SafeArrayCreate(VARTYPE type, UINT dimensions, SAFEARRAYBOUND* bounds);
+HRESULT SafeArrayDestroy(SAFEARRAY* array);
+HRESULT SafeArrayCopy(SAFEARRAY* source, SAFEARRAY** copy);
+UINT SafeArrayGetDim(SAFEARRAY* array);
+UINT SafeArrayGetElemsize(SAFEARRAY* array);
+HRESULT SafeArrayGetVartype(SAFEARRAY* array, VARTYPE* type);
+HRESULT SafeArrayGetLBound(SAFEARRAY* array, UINT dimension, LONG* bound);
+HRESULT SafeArrayGetUBound(SAFEARRAY* array, UINT dimension, LONG* bound);
+HRESULT SafeArrayLock(SAFEARRAY* array);
+HRESULT SafeArrayUnlock(SAFEARRAY* array);
+HRESULT SafeArrayAccessData(SAFEARRAY* array, void** data);
+HRESULT SafeArrayUnaccessData(SAFEARRAY* array);
+HRESULT SafeArrayPtrOfIndex(SAFEARRAY* array, LONG* indices, void** element);
+HRESULT SafeArrayGetElement(SAFEARRAY* array, LONG* indices, void* value);
+HRESULT SafeArrayPutElement(SAFEARRAY* array, LONG* indices, void* value);
 
 // Dates.
 struct SYSTEMTIME {

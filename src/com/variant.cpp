@@ -5,6 +5,11 @@
 #include "com/variant_types.h"
 
 bool IsValidVariantType(VARTYPE type) {
+    if (type & VT_ARRAY) {
+        // Arrays of values: not of nothing, of nulls or of arrays.
+        const VARTYPE element = type & ~(VT_ARRAY | VT_BYREF);
+        return element > VT_NULL && IsValidVariantType(element);
+    }
     const VARTYPE base = type & ~VT_BYREF;
     if (base > VT_UINT || base == 15) return false;
     // A reference to nothing or to a null is not a value.
@@ -17,6 +22,11 @@ void VariantInit(VARIANTARG* variant) {
 
 HRESULT VariantClear(VARIANTARG* variant) {
     if (!IsValidVariantType(variant->vt)) return DISP_E_BADVARTYPE;
+    if ((variant->vt & (VT_ARRAY | VT_BYREF)) == VT_ARRAY) {
+        if (const HRESULT hr = SafeArrayDestroy(variant->parray); FAILED(hr)) return hr;
+        variant->vt = VT_EMPTY;
+        return S_OK;
+    }
     switch (variant->vt) {
         case VT_BSTR:
             SysFreeString(variant->bstrVal);
@@ -37,6 +47,11 @@ HRESULT VariantCopy(VARIANTARG* dest, VARIANTARG* source) {
     if (dest == source) return S_OK;
     if (const HRESULT cleared = VariantClear(dest); FAILED(cleared)) return cleared;
     *dest = *source;
+    if ((source->vt & (VT_ARRAY | VT_BYREF)) == VT_ARRAY) {
+        const HRESULT hr = SafeArrayCopy(source->parray, &dest->parray);
+        if (FAILED(hr)) dest->vt = VT_EMPTY;
+        return hr;
+    }
     switch (source->vt) {
         case VT_BSTR:
             // A null string is copied as an empty one.

@@ -333,6 +333,8 @@ HRESULT Convert(VARIANT& source, VARTYPE type, USHORT flags, VARIANT& out) {
     if (source.vt == VT_CY || source.vt == VT_DECIMAL || type == VT_CY || type == VT_DECIMAL)
         return DISP_E_BADVARTYPE;
     if (source.vt == type) return VariantCopy(&out, &source);
+    // An array converts to nothing but an array of its own type.
+    if ((source.vt & VT_ARRAY) || (type & VT_ARRAY)) return DISP_E_TYPEMISMATCH;
     if (source.vt == VT_NULL) return DISP_E_TYPEMISMATCH;
     if (const auto integerType = IntegerTypeOf(type))
         return ToInteger(source, type, *integerType, out);

@@ -11,6 +11,7 @@
 #include "engine/refresh.h"
 #include "gantt/chart.h"
 #include "gantt/progress_lines.h"
+#include "gantt/templates.h"
 #include "reports/reports.h"
 #include "settings/settings.h"
 #include "wbs/filter.h"
@@ -20,6 +21,7 @@
 #include "wbs/visible_rows.h"
 #include "wbs/wbs_update.h"
 #include "workbook/automation.h"
+#include "workbook/workbook.h"
 
 namespace {
 
@@ -29,12 +31,36 @@ IDispatch* Dereference(IDispatch** reference) {
 }
 
 // What every export does around its own steps. The runtime's error number belongs to the call
-// that raised it: an error of an earlier command must not make a later kpSetWorkBook fail.
+// that raised it: an error of an earlier command must not make a later kpSetWorkBook fail. The
+// program does not redraw while the command writes, and its screen updating is put back as it
+// was however the command ends.
 class ExportScope {
   public:
-    ExportScope() { SetLastRuntimeError(0); }
+    ExportScope() {
+        SetLastRuntimeError(0);
+        ForgetTemplates();
+        const XlObject workbook = EngineWorkbook();
+        if (workbook.IsNothing()) {
+            return;
+        }
+        application_ = workbook.GetObject("Application");
+        screenWasUpdating_ =
+            application_.GetTriState("ScreenUpdating") == XlObject::TriState::kTrue;
+        if (screenWasUpdating_) {
+            application_.Put(".ScreenUpdating=%b", FALSE);
+        }
+    }
+    ~ExportScope() {
+        if (screenWasUpdating_) {
+            application_.Put(".ScreenUpdating=%b", TRUE);
+        }
+    }
     ExportScope(const ExportScope&) = delete;
     ExportScope& operator=(const ExportScope&) = delete;
+
+  private:
+    XlObject application_;
+    bool screenWasUpdating_ = false;
 };
 
 }  // namespace

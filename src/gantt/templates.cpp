@@ -1,8 +1,9 @@
 #include "gantt/templates.h"
 
 #include <array>
+#include <functional>
+#include <map>
 #include <string>
-#include <utility>
 
 #include "core/engine_state.h"
 #include "gantt/gantt.h"
@@ -102,8 +103,30 @@ TemplateLook PlainBarLook() {
     return Bar(Rgb(91, 155, 213), Rgb(46, 117, 182), kBarHeight);
 }
 
+// The templates of the settings sheet read during this command, by name.
+std::map<std::string, ShapeTemplate, std::less<>>& ReadTemplates() {
+    // Never destroyed: unloading the library without kpQuit must not run destructors late.
+    static auto* const templates = new std::map<std::string, ShapeTemplate, std::less<>>();
+    return *templates;
+}
+
 ShapeTemplate Find(std::string_view name, const TemplateLook& builtIn) {
-    return ShapeTemplate(EngineSettingsSheet().ShapeByName(name), builtIn);
+    auto& templates = ReadTemplates();
+    if (const auto found = templates.find(name); found != templates.end()) {
+        return found->second;
+    }
+    return templates
+        .emplace(std::string(name), ShapeTemplate(EngineSettingsSheet().ShapeByName(name), builtIn))
+        .first->second;
+}
+
+TemplateLook ReadLook(const XlObject& shape) {
+    TemplateLook look;
+    look.autoShapeType = shape.GetNumber("AutoShapeType");
+    look.width = shape.GetWidth();
+    look.height = shape.GetHeight();
+    look.style = ReadShapeStyle(shape);
+    return look;
 }
 
 const char* StatusMarkerName(StatusMarker marker) {
@@ -120,39 +143,15 @@ const char* StatusMarkerName(StatusMarker marker) {
 
 }  // namespace
 
-ShapeTemplate::ShapeTemplate(XlObject shape, const TemplateLook& builtIn)
-    : shape_(std::move(shape)), builtIn_(builtIn) {}
-
-double ShapeTemplate::AutoShapeType() const {
-    return IsBuiltIn() ? builtIn_.autoShapeType : shape_.GetNumber("AutoShapeType");
-}
-
-double ShapeTemplate::Width() const {
-    return IsBuiltIn() ? builtIn_.width : shape_.GetWidth();
-}
-
-double ShapeTemplate::Height() const {
-    return IsBuiltIn() ? builtIn_.height : shape_.GetHeight();
-}
-
-double ShapeTemplate::FillColor() const {
-    return IsBuiltIn() ? builtIn_.style.fillForeColor : shape_.GetNumber("Fill.ForeColor.RGB");
-}
-
-double ShapeTemplate::LineColor() const {
-    return IsBuiltIn() ? builtIn_.style.lineForeColor : shape_.GetNumber("Line.ForeColor.RGB");
-}
-
-double ShapeTemplate::LineWeight() const {
-    return IsBuiltIn() ? builtIn_.style.lineWeight : shape_.GetNumber("Line.Weight");
-}
+ShapeTemplate::ShapeTemplate(const XlObject& shape, const TemplateLook& builtIn)
+    : look_(shape.IsNothing() ? builtIn : ReadLook(shape)), builtIn_(shape.IsNothing()) {}
 
 void ShapeTemplate::StyleShape(const XlObject& target) const {
-    if (IsBuiltIn()) {
-        ApplyShapeStyle(builtIn_.style, target);
-    } else {
-        CopyShapeStyle(shape_, target);
-    }
+    ApplyShapeStyle(look_.style, target);
+}
+
+void ForgetTemplates() {
+    ReadTemplates().clear();
 }
 
 ShapeTemplate DependencyFrameTemplate() {

@@ -39,25 +39,29 @@ struct TemplateLook {
 };
 
 // A template shape of the settings sheet, or its built-in look when the workbook has no shape of
-// that name.
+// that name. The shape's look is read when the template is made.
 class ShapeTemplate {
   public:
-    ShapeTemplate(XlObject shape, const TemplateLook& builtIn);
+    ShapeTemplate(const XlObject& shape, const TemplateLook& builtIn);
 
-    bool IsBuiltIn() const { return shape_.IsNothing(); }
-    double AutoShapeType() const;
-    double Width() const;
-    double Height() const;
-    double FillColor() const;
-    double LineColor() const;
-    double LineWeight() const;
+    bool IsBuiltIn() const { return builtIn_; }
+    double AutoShapeType() const { return look_.autoShapeType; }
+    double Width() const { return look_.width; }
+    double Height() const { return look_.height; }
+    double FillColor() const { return look_.style.fillForeColor; }
+    double LineColor() const { return look_.style.lineForeColor; }
+    double LineWeight() const { return look_.style.lineWeight; }
     // Gives `target` the template's line and fill.
     void StyleShape(const XlObject& target) const;
 
   private:
-    XlObject shape_;
-    TemplateLook builtIn_;
+    TemplateLook look_;
+    bool builtIn_ = true;
 };
+
+// Templates are read once per command: nothing a command does changes them, but the user may
+// between commands. Every command starts by forgetting the looks read before.
+void ForgetTemplates();
 
 // The frame drawn around the predecessors cell of a task with a violated link.
 ShapeTemplate DependencyFrameTemplate();

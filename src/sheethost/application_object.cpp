@@ -56,6 +56,11 @@ void ActiveSheet(ApplicationObject& app, Invocation& call) {
     call.ReturnObject(NewWorksheetObject(app.book, ActiveSheetOf(*app.book)));
 }
 
+void ScreenUpdating(ApplicationObject& app, Invocation& call) {
+    if (!call.IsPut()) return call.ReturnBoolean(app.book->screenUpdating);
+    app.book->screenUpdating = call.PutBoolean();
+}
+
 // False while the program shows its own status; putting False gives it back, anything else is
 // shown as text.
 void StatusBar(ApplicationObject& app, Invocation& call) {
@@ -155,6 +160,7 @@ void Match(WorksheetFunctionObject& functions, Invocation& call) {
 const MemberTable<ApplicationObject>& ApplicationObject::Members() {
     static const MemberTable<ApplicationObject> table({
         {"Name", [](ApplicationObject&, Invocation& c) { c.ReturnText("Microsoft Excel"); }},
+        {"ScreenUpdating", ScreenUpdating},
         {"Selection", Selection},
         {"ActiveCell", ActiveCell},
         {"ActiveSheet", ActiveSheet},

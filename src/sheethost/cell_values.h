@@ -58,6 +58,21 @@ VARIANT CellVariant(const Workbook& book, const Sheet& sheet, int row, int colum
 // The same for Value2, which never answers dates.
 VARIANT CellVariant2(const Workbook& book, const Sheet& sheet, int row, int column);
 
+// How Value (CellVariant) and Value2 (CellVariant2) read one cell.
+using CellReader = VARIANT (*)(const Workbook& book, const Sheet& sheet, int row, int column);
+
+// The Value of a range's area: one cell answers its value; a block answers an array of VARIANT,
+// rows by columns, both counted from 1 (row first in the indices). False when the block is too
+// large to hold.
+bool AreaVariant(const Workbook& book, const Sheet& sheet, const Area& area, CellReader read,
+                 VARIANT& out);
+
+// Puts an array (two-dimensional rows by columns; one-dimensional = one row) into the cells of
+// `area`, element by element as PutCellVariant does. An array of a single row or column repeats
+// over the area's further rows or columns; other cells past the array's end get #N/A. False when
+// some element is no cell value or the array is not one of one or two dimensions.
+bool PutArrayVariant(Sheet& sheet, const Area& area, const VARIANT& value);
+
 // The variant of a value without looking at formats.
 VARIANT ValueVariant(const Value& value);
 

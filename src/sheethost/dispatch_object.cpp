@@ -48,6 +48,7 @@ BSTR NewBstr(std::string_view utf8) {
 }
 
 std::string DescribeVariant(const VARIANT& value) {
+    if (value.vt & VT_ARRAY) return "Array";
     switch (value.vt) {
         case VT_EMPTY:
             return "Empty";

@@ -251,6 +251,8 @@ struct Workbook {
     // spreadsheet counts on and does not reuse the names of renamed sheets.
     int lastSheetNumber = 0;
     int lastChartNumber = 0;
+    // The program's Application.ScreenUpdating, which a command switches off while it works.
+    bool screenUpdating = true;
     // The text a macro put into the program's status bar; none while the program shows its own.
     std::optional<std::string> statusBar;
 };

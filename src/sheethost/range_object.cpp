@@ -113,26 +113,34 @@ void PutValue(RangeObject& range, Invocation& call) {
         return;
     }
     bool refused = false;
-    ForEachCell(span, [&](int row, int column) {
-        if (!PutCellVariant(*span.sheet, row, column, value)) refused = true;
-    });
+    if (value.vt & VT_ARRAY) {
+        // Each area takes the array from its own top-left cell.
+        for (const Area& area : span.areas) {
+            if (!PutArrayVariant(*span.sheet, area, value)) refused = true;
+        }
+    } else {
+        ForEachCell(span, [&](int row, int column) {
+            if (!PutCellVariant(*span.sheet, row, column, value)) refused = true;
+        });
+    }
     if (refused) Raise(kObjectError);
 }
 
-// Of a block, Value answers its top-left cell: the spreadsheet would answer an array, which this
-// host does not build since the engine reads values one cell at a time.
+// A block answers the values of its first area as an array, as the spreadsheet does.
+void ReturnValues(const RangeSpan& span, Invocation& call, CellReader read) {
+    VARIANT value;
+    if (!AreaVariant(*span.book, *span.sheet, span.First(), read, value)) Refuse(E_OUTOFMEMORY);
+    call.ReturnVariant(value);
+}
+
 void Value(RangeObject& range, Invocation& call) {
     if (call.IsPut()) return PutValue(range, call);
-    const Area& first = range.span.First();
-    VARIANT value = CellVariant(*range.span.book, *range.span.sheet, first.top, first.left);
-    call.ReturnVariant(value);
+    ReturnValues(range.span, call, CellVariant);
 }
 
 void Value2(RangeObject& range, Invocation& call) {
     if (call.IsPut()) return PutValue(range, call);
-    const Area& first = range.span.First();
-    VARIANT value = CellVariant2(*range.span.book, *range.span.sheet, first.top, first.left);
-    call.ReturnVariant(value);
+    ReturnValues(range.span, call, CellVariant2);
 }
 
 void Formula(RangeObject& range, Invocation& call) {

@@ -3,11 +3,13 @@
 #include <algorithm>
 #include <cctype>
 #include <memory>
+#include <vector>
 
 #include "calendar/task_tests.h"
 #include "core/engine_state.h"
 #include "settings/settings.h"
 #include "values/values.h"
+#include "workbook/workbook.h"
 
 namespace {
 
@@ -18,18 +20,55 @@ std::string_view TrimTrailingBlanks(std::string_view text) {
     return end == std::string_view::npos ? std::string_view() : text.substr(0, end + 1);
 }
 
-std::string NameCellText(std::int64_t row, std::int64_t nameColumnOffset) {
-    return EngineWbsSheet().Cell(row, EngineSettings().taskNameColNo + nameColumnOffset).GetValue();
+// Task rows are read this many at a time while the table loads.
+constexpr std::int64_t kNameBlockRows = 512;
+
+// The ten name cells of sheet rows first..last, in one call.
+CellValues ReadNameCells(std::int64_t firstRow, std::int64_t lastRow) {
+    const std::int64_t nameColumn = EngineSettings().taskNameColNo;
+    return ReadCellBlock(EngineWbsSheet(), firstRow, nameColumn, lastRow,
+                         nameColumn + kNameColumns - 1);
 }
+
+// Row `r` of a block of name cells holds a name: text other than blanks in any of them.
+bool HasName(const CellValues& names, std::int64_t r) {
+    for (int offset = 0; offset < kNameColumns; ++offset) {
+        if (!TrimTrailingBlanks(names.Text(r, offset)).empty()) {
+            return true;
+        }
+    }
+    return false;
+}
+
+// The name cells of the task rows and of the row below the last, taken from the sheet a block of
+// rows at a time as the load reaches them.
+class NameCells {
+  public:
+    explicit NameCells(std::int64_t firstRow) : firstRow_(firstRow) {}
+
+    // Row i counts from the first task row.
+    const CellValues& BlockOf(std::int64_t i) {
+        const std::int64_t block = i / kNameBlockRows;
+        while (static_cast<std::int64_t>(blocks_.size()) <= block) {
+            const std::int64_t top =
+                firstRow_ + static_cast<std::int64_t>(blocks_.size()) * kNameBlockRows;
+            blocks_.push_back(ReadNameCells(top, top + kNameBlockRows - 1));
+        }
+        return blocks_[static_cast<std::size_t>(block)];
+    }
+    bool Named(std::int64_t i) { return HasName(BlockOf(i), i % kNameBlockRows); }
+    std::string Text(std::int64_t i, int offset) {
+        return BlockOf(i).Text(i % kNameBlockRows, offset);
+    }
+
+  private:
+    std::int64_t firstRow_;
+    std::vector<CellValues> blocks_;
+};
 
 bool EqualIgnoringCase(std::string_view a, std::string_view b) {
     return std::ranges::equal(
         a, b, [](unsigned char x, unsigned char y) { return std::toupper(x) == std::toupper(y); });
-}
-
-// The cell of the task's row in a column given by number, as the row reader addresses it ("F12").
-XlObject RowCell(const TaskRecord& record, std::int64_t column) {
-    return EngineWbsSheet().RangeOf(ColumnLetters(column) + std::to_string(record.row));
 }
 
 // Places a time of day read from the task sheet on the task's calendar day. A time earlier than the
@@ -45,10 +84,19 @@ double OnCalendarDay(double timeOfDay, const CalendarDay& day) {
     return placed;
 }
 
+// The task rows run from the first task row down to the first row without a name.
+std::int64_t CountNamedRows(NameCells& names) {
+    std::int64_t count = 0;
+    while (count < kMaxTaskRows && names.Named(count)) {
+        ++count;
+    }
+    return count;
+}
+
 // Rows 1..taskCount are derived from the sheet, including the row just below the last task, whose
 // counters feed only the leaf test of the last task. Row 0 is always the first top-level task,
 // whatever column its name is in.
-void DeriveOutline(TaskTable& table, std::int64_t firstTaskRow) {
+void DeriveOutline(TaskTable& table, NameCells& names) {
     auto& outline = table.outline;
     for (std::int64_t i = 0; i <= table.taskCount; ++i) {
         outline[i].fill(0);
@@ -56,12 +104,12 @@ void DeriveOutline(TaskTable& table, std::int64_t firstTaskRow) {
     outline[0][0] = 1;
     // The top level counts any text as a name, blanks included; deeper levels trim them.
     for (std::int64_t i = 1; i <= table.taskCount; ++i) {
-        const bool named = !NameCellText(firstTaskRow + i, 0).empty();
+        const bool named = !names.Text(i, 0).empty();
         outline[i][0] = outline[i - 1][0] + (named ? 1 : 0);
     }
     for (int j = 1; j < kNameColumns; ++j) {
         for (std::int64_t i = 1; i <= table.taskCount; ++i) {
-            const std::string text = NameCellText(firstTaskRow + i, j);
+            const std::string text = names.Text(i, j);
             if (!TrimTrailingBlanks(text).empty()) {
                 outline[i][j] = outline[i - 1][j] + 1;
                 continue;
@@ -115,8 +163,9 @@ void TaskTable_Free() {
 void TaskTable_Load() {
     TaskTable& table = EngineTasks();
     const SettingsRecord& settings = EngineSettings();
-    table.taskCount = TaskRowCount();
-    DeriveOutline(table, settings.firstTaskRow);
+    NameCells names(settings.firstTaskRow);
+    table.taskCount = CountNamedRows(names);
+    DeriveOutline(table, names);
     GrowPool(table);
     table.byWbs.Clear(false);
     for (std::int64_t k = 0; k < table.taskCount; ++k) {
@@ -132,18 +181,36 @@ void TaskTable_Load() {
 
 void TaskRecord_ReadRow(TaskRecord& record) {
     const SettingsRecord& settings = EngineSettings();
-    BstrSet(record.nameCell,
-            RowCell(record, settings.taskNameColNo + record.level - 1).GetWide("Value"));
-    BstrSet(record.typeCell, RowCell(record, settings.taskTypeColNo).GetWide("Value"));
-    BstrSet(record.resourceCell, RowCell(record, settings.resourceColNo).GetWide("Value"));
-    record.pvText = RowCell(record, settings.pvByTaskColNo).GetValue();
-    record.acText = RowCell(record, settings.acByTaskColNo).GetValue();
-    record.plannedStart = RowCell(record, settings.plannedStartDateColNo).GetValueNum();
-    record.plannedEnd = RowCell(record, settings.plannedEndDateColNo).GetValueNum();
-    record.actualStart = RowCell(record, settings.actualStartDateColNo).GetValueNum();
-    record.actualEnd = RowCell(record, settings.actualEndDateColNo).GetValueNum();
-    record.percentText = RowCell(record, settings.percentCompleteColNo).GetValue();
-    record.predecessors = RowCell(record, settings.predecessorsColNo).GetValue();
+    const std::int64_t nameColumn = settings.taskNameColNo + record.level - 1;
+    // The whole row from the leftmost to the rightmost column read, in one call.
+    const std::int64_t columns[] = {nameColumn,
+                                    settings.taskTypeColNo,
+                                    settings.resourceColNo,
+                                    settings.pvByTaskColNo,
+                                    settings.acByTaskColNo,
+                                    settings.plannedStartDateColNo,
+                                    settings.plannedEndDateColNo,
+                                    settings.actualStartDateColNo,
+                                    settings.actualEndDateColNo,
+                                    settings.percentCompleteColNo,
+                                    settings.predecessorsColNo};
+    const auto [left, right] = std::ranges::minmax(columns);
+    const CellValues row = ReadCellBlock(EngineWbsSheet(), record.row, left, record.row, right);
+    const auto text = [&](std::int64_t column) { return row.Text(0, column - left); };
+    const auto wide = [&](std::int64_t column) { return row.Wide(0, column - left); };
+    const auto number = [&](std::int64_t column) { return row.Number(0, column - left); };
+
+    BstrSet(record.nameCell, wide(nameColumn));
+    BstrSet(record.typeCell, wide(settings.taskTypeColNo));
+    BstrSet(record.resourceCell, wide(settings.resourceColNo));
+    record.pvText = text(settings.pvByTaskColNo);
+    record.acText = text(settings.acByTaskColNo);
+    record.plannedStart = number(settings.plannedStartDateColNo);
+    record.plannedEnd = number(settings.plannedEndDateColNo);
+    record.actualStart = number(settings.actualStartDateColNo);
+    record.actualEnd = number(settings.actualEndDateColNo);
+    record.percentText = text(settings.percentCompleteColNo);
+    record.predecessors = text(settings.predecessorsColNo);
 
     const CalendarDay* day = CalendarDayAt(record.groupIndex);
     if (day == nullptr) {
@@ -215,21 +282,12 @@ std::string Tasks_AncestorRows(std::int64_t row) {
 }
 
 std::int64_t TaskRowCount() {
-    const std::int64_t firstTaskRow = EngineSettings().firstTaskRow;
-    std::int64_t count = 0;
-    while (count < kMaxTaskRows && IsTaskRow(firstTaskRow + count)) {
-        ++count;
-    }
-    return count;
+    NameCells names(EngineSettings().firstTaskRow);
+    return CountNamedRows(names);
 }
 
 bool IsTaskRow(std::int64_t row) {
-    for (int offset = 0; offset < kNameColumns; ++offset) {
-        if (!TrimTrailingBlanks(NameCellText(row, offset)).empty()) {
-            return true;
-        }
-    }
-    return false;
+    return HasName(ReadNameCells(row, row), 0);
 }
 
 std::int64_t WbsLevel(std::string_view wbsText) {

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <cstdio>
+#include <string>
 
 #include "core/engine_state.h"
 #include "settings/settings.h"
@@ -37,9 +38,16 @@ std::string VisibleRowsText() {
         return {};
     }
     const XlObject sheet = EngineWbsSheet();
+    const std::int64_t first = EngineSettings().firstTaskRow;
+    // Asked of all task rows at once first: mostly none is hidden.
+    if (first >= 1 && last->row <= kSheetRows &&
+        sheet.RangeOf(std::to_string(first) + ":" + std::to_string(last->row))
+                .GetTriState("Hidden") == XlObject::TriState::kFalse) {
+        return {};
+    }
     std::string list;
     bool anyHidden = false;
-    for (std::int64_t row = EngineSettings().firstTaskRow; row <= last->row; ++row) {
+    for (std::int64_t row = first; row <= last->row; ++row) {
         if (sheet.GetNumberPath(".Rows(%d).EntireRow.Hidden", static_cast<std::int32_t>(row)) !=
             0.0) {
             anyHidden = true;

@@ -1,5 +1,6 @@
 #include "wbs/wbs_update.h"
 
+#include <algorithm>
 #include <string>
 
 #include "calendar/calendar.h"
@@ -52,6 +53,15 @@ void CheckResource(TaskRecord& task, const CalendarDay* currentDay) {
 void FreezeRow(const TaskRecord& task) {
     const SettingsRecord& settings = EngineSettings();
     const XlObject sheet = EngineWbsSheet();
+    // Asked of the whole row first: an ordinary task's row seldom holds a formula. Columns off the
+    // sheet hold none.
+    const std::int64_t left = std::max<std::int64_t>(settings.firstColNo, 1);
+    const std::int64_t right = std::min(settings.lastColNo, kSheetColumns);
+    if (left > right || task.row < 1 || task.row > kSheetRows ||
+        sheet.RangeOf(BlockAddress(task.row, left, task.row, right)).GetTriState("HasFormula") ==
+            XlObject::TriState::kFalse) {
+        return;
+    }
     for (std::int64_t column = settings.firstColNo; column <= settings.lastColNo; ++column) {
         const XlObject cell = sheet.Cell(task.row, column);
         if (cell.GetNumber("HasFormula") != 0) {

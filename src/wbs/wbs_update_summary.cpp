@@ -1,9 +1,14 @@
+#include <algorithm>
+#include <iterator>
+#include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "core/engine_state.h"
 #include "settings/settings.h"
 #include "wbs/wbs_update.h"
+#include "workbook/workbook.h"
 
 namespace {
 
@@ -85,19 +90,35 @@ std::string IfErrorThen(std::string_view x, std::string_view y) {
 
 void WriteSummaryFormulas(const TaskRecord& summary, std::string_view childRows) {
     const SettingsRecord& settings = EngineSettings();
+    const std::pair<std::int64_t, std::string> formulas[] = {
+        {settings.plannedStartDateColNo, RollUp("MIN", childRows, settings.plannedStartDateCol)},
+        {settings.plannedEndDateColNo, RollUp("MAX", childRows, settings.plannedEndDateCol)},
+        {settings.actualStartDateColNo, RollUp("MIN", childRows, settings.actualStartDateCol)},
+        {settings.actualEndDateColNo, ActualEndRollUp(childRows, settings.actualEndDateCol)},
+        {settings.pvByTaskColNo, RollUp("SUM", childRows, settings.pvByTaskCol)},
+        {settings.acByTaskColNo, RollUp("SUM", childRows, settings.acByTaskCol)},
+        {settings.percentCompleteColNo,
+         PercentRollUp(childRows, settings.percentCompleteCol, settings.pvByTaskCol,
+                       settings.pvByTaskCol + std::to_string(summary.row))}};
     const XlObject sheet = EngineWbsSheet();
-    const auto write = [&](std::int64_t column, const std::string& formula) {
+    // Seven neighbouring columns, as the usual layout has them, take their formulas in one call:
+    // a formula text put as a value is entered as the formula.
+    const auto [low, high] =
+        std::ranges::minmax(formulas, {}, [](const auto& f) { return f.first; });
+    std::set<std::int64_t> columns;
+    for (const auto& formula : formulas) columns.insert(formula.first);
+    if (columns.size() == std::size(formulas) &&
+        high.first - low.first + 1 == std::ssize(formulas) && low.first >= 1 &&
+        high.first <= kSheetColumns && summary.row >= 1 && summary.row <= kSheetRows) {
+        CellValues block(1, std::ssize(formulas));
+        for (const auto& [column, formula] : formulas)
+            block.SetText(0, column - low.first, formula);
+        WriteCellBlock(sheet, summary.row, low.first, block);
+        return;
+    }
+    for (const auto& [column, formula] : formulas) {
         sheet.Cell(summary.row, column).SetFormula(formula);
-    };
-    write(settings.plannedStartDateColNo, RollUp("MIN", childRows, settings.plannedStartDateCol));
-    write(settings.plannedEndDateColNo, RollUp("MAX", childRows, settings.plannedEndDateCol));
-    write(settings.actualStartDateColNo, RollUp("MIN", childRows, settings.actualStartDateCol));
-    write(settings.actualEndDateColNo, ActualEndRollUp(childRows, settings.actualEndDateCol));
-    write(settings.pvByTaskColNo, RollUp("SUM", childRows, settings.pvByTaskCol));
-    write(settings.acByTaskColNo, RollUp("SUM", childRows, settings.acByTaskCol));
-    write(settings.percentCompleteColNo,
-          PercentRollUp(childRows, settings.percentCompleteCol, settings.pvByTaskCol,
-                        settings.pvByTaskCol + std::to_string(summary.row)));
+    }
 }
 
 void SummaryRollup(const TaskRecord& summary) {

@@ -81,11 +81,14 @@ HRESULT InvokeV(int invokeKind, VARTYPE resultType, VARIANT* result, IDispatch* 
                 LPCOLESTR path, va_list arguments);
 
 HRESULT EnumBegin(IEnumVARIANT** enumerator, IDispatch* object, LPCOLESTR path, ...);
-HRESULT EnumBeginV(IEnumVARIANT** enumerator, IDispatch* object, LPCOLESTR path,
-                   va_list arguments);
+HRESULT EnumBeginV(IEnumVARIANT** enumerator, IDispatch* object, LPCOLESTR path, va_list arguments);
 // S_FALSE when the enumeration is over.
 HRESULT EnumNextObject(IEnumVARIANT* enumerator, IDispatch** object);
 HRESULT EnumNextVariant(IEnumVARIANT* enumerator, VARIANT* item);
+
+// Converts `value` in place to `type` as a member's result is converted for GetValue: with the
+// invariant locale and booleans as "True"/"False". A failed conversion leaves the value as it was.
+HRESULT ConvertResult(VARIANT* value, VARTYPE type);
 
 // This thread's error record, null before the first recorded failure.
 const ErrorRecord* LastError();

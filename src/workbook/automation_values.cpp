@@ -286,6 +286,16 @@ HRESULT StoreResult(OLECHAR specifier, OwnedVariant& value, void* result) {
 
 }  // namespace detail
 
+HRESULT ConvertResult(VARIANT* value, VARTYPE type) {
+    if (value == nullptr) return E_INVALIDARG;
+    detail::OwnedVariant owned;
+    *owned.get() = *value;
+    VariantInit(value);
+    const HRESULT hr = detail::ConvertVariant(owned, type);
+    *value = owned.Detach();
+    return hr;
+}
+
 void FreeAutomationText(char* text) {
     delete[] text;
 }

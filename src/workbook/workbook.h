@@ -14,10 +14,12 @@
 #include "com/com.h"
 #include "com/text.h"
 
+class CellValues;
+
 // An owning (by default) holder of one host object reference. An owning holder releases its
 // reference exactly once: on Destroy, on Assign of another reference, or when it goes out of scope.
 class XlObject {
-public:
+  public:
     XlObject() = default;                     // Init: empty, owning
     explicit XlObject(IDispatch* reference);  // InitWith: takes over a new reference
     ~XlObject();
@@ -99,7 +101,15 @@ public:
     double GetItemNum(int index) const;
     void SetItemNum(int index, double value) const;
 
-private:
+    // A range's Value in one call: every cell of a block at once.
+    CellValues GetValues() const;
+    void SetValues(const CellValues& values) const;
+    // A property that a block answers for all its cells: true, false, or mixed (Null) when its
+    // cells differ, as HasFormula does. A failed call reads as false.
+    enum class TriState { kFalse, kTrue, kMixed };
+    TriState GetTriState(std::string_view name) const;
+
+  private:
     friend class XlRef;
     XlObject(IDispatch* reference, bool owned) : object_(reference), owned_(owned) {}
 
@@ -110,7 +120,7 @@ private:
 // A holder that never releases what it holds: the engine's workbook and sheets, whose references
 // belong to the workbook's macros.
 class XlRef {
-public:
+  public:
     XlRef() = default;
     IDispatch* object() const { return object_; }
     bool IsNothing() const { return object_ == nullptr; }
@@ -122,9 +132,70 @@ public:
     // A non-owning XlObject view, so the operations above work on the engine's sheets.
     XlObject View() const;
 
-private:
+  private:
     IDispatch* object_ = nullptr;
 };
+
+// The values of a block of cells, rows by columns counted from 0, as one Value call of the host
+// reads or writes them. Each cell reads as the single-cell operations read it: Text as GetValue,
+// Wide as GetWide("Value"), Number as GetValueNum; a cell the host gave nothing for (a failed
+// call, a cell off the sheet) reads as an empty text and 0.
+class CellValues {
+  public:
+    CellValues() = default;
+    // A block of empty cells, to be filled with SetText and written.
+    CellValues(std::int64_t rows, std::int64_t columns);
+    ~CellValues();
+    CellValues(CellValues&& other) noexcept;
+    CellValues& operator=(CellValues&& other) noexcept;
+    CellValues(const CellValues&) = delete;
+    CellValues& operator=(const CellValues&) = delete;
+
+    std::int64_t Rows() const { return rows_; }
+    std::int64_t Columns() const { return columns_; }
+    std::string Text(std::int64_t row, std::int64_t column) const;
+    WideString Wide(std::int64_t row, std::int64_t column) const;
+    double Number(std::int64_t row, std::int64_t column) const;
+    // Text is written as SetValue writes it: the host reads it as if typed.
+    void SetText(std::int64_t row, std::int64_t column, std::string_view text);
+
+    // What the host answered for `rows` x `columns` cells whose first `readRows` x `readColumns`
+    // it was asked for, from (rowOffset, columnOffset) on: an array, a single value or nothing.
+    static CellValues FromResult(VARIANT& result, std::int64_t rows, std::int64_t columns,
+                                 std::int64_t rowOffset, std::int64_t columnOffset);
+    // The block as the Value to put: an array of rows by columns counted from 1.
+    const VARIANT& AsVariant() const { return block_; }
+
+  private:
+    // The cell's value converted as a member's result is, or empty when there is none.
+    VARIANT Converted(std::int64_t row, std::int64_t column, VARTYPE type) const;
+    const VARIANT* At(std::int64_t row, std::int64_t column) const;
+
+    VARIANT block_{};  // VT_EMPTY, a single value, or VT_ARRAY | VT_VARIANT
+    std::int64_t rows_ = 0;
+    std::int64_t columns_ = 0;
+    // Where the cells the host answered for lie in the block, and how many there are.
+    std::int64_t rowOffset_ = 0;
+    std::int64_t columnOffset_ = 0;
+    std::int64_t readRows_ = 0;
+    std::int64_t readColumns_ = 0;
+};
+
+// The size of a worksheet: cells beyond it cannot be addressed.
+inline constexpr std::int64_t kSheetRows = 1048576;
+inline constexpr std::int64_t kSheetColumns = 16384;
+
+// The cells from (firstRow, firstColumn) to (lastRow, lastColumn) of a sheet, read in one call
+// (two host calls: the range, its Value). Cells off the sheet read as empty, as a failed read of
+// such a cell does.
+CellValues ReadCellBlock(const XlObject& sheet, std::int64_t firstRow, std::int64_t firstColumn,
+                         std::int64_t lastRow, std::int64_t lastColumn);
+// Writes a block from (firstRow, firstColumn) on in one call. The block must lie on the sheet.
+void WriteCellBlock(const XlObject& sheet, std::int64_t firstRow, std::int64_t firstColumn,
+                    const CellValues& values);
+// "C5:V40": the address of a block, with the columns in letters.
+std::string BlockAddress(std::int64_t firstRow, std::int64_t firstColumn, std::int64_t lastRow,
+                         std::int64_t lastColumn);
 
 // Column letters and numbers as the settings give them: "A" = 1, "Z" = 26, "AA" = 27. Letters are
 // not folded to upper case ("a" gives 33) and 0 gives "@".

@@ -8,6 +8,8 @@ sample as it changes:
   no-templates     no template shapes on any sheet: the engine's built-in looks must stand in
   hidden-rows      the finished tasks hidden by hand, as a user filters the plan down to open work
   no-resource-sheet  the resource sheet removed: binding leaves its reference null
+  untidy           cells as users leave them: formulas and error values on ordinary tasks,
+                   numbers and times typed as text, missing and unknown resources, violated links
   select:FIRST:LAST  whole rows FIRST to LAST selected on the task sheet, which is made the
                    active sheet, as a user selects rows before moving them
   filter:SPEC      the filter cell A500 of the settings sheet set to SPEC ("5," or "1,CREW,"),
@@ -45,6 +47,22 @@ def no_resource_sheet(book):
     book["sheets"] = [s for s in book["sheets"] if s.get("codeName") != "wsResource"]
 
 
+def untidy(book):
+    cells = sheet_with_code(book, "wsWBS")["cells"]
+    cells["O7"] = {"formula": "=45*2"}
+    cells["V8"] = {"formula": "=\"A\"&1"}
+    cells["U9"] = {"formula": "=50+50"}
+    cells["Q24"] = {"formula": "=1/0"}
+    cells["P20"] = "08:00"
+    cells["O21"] = "60"
+    cells["T21"] = True
+    del cells["N12"]
+    cells["N13"] = "NOBODY"
+    cells["V20"] = "D3"
+    cells["V21"] = "D1ff,zz,3ss,D1"
+    cells["V22"] = "2.1.1SF, D2"
+
+
 def select_rows(book, first, last):
     wbs = sheet_with_code(book, "wsWBS")
     wbs["selection"] = f"{first}:{last}"
@@ -61,6 +79,7 @@ VARIANTS = {
     "no-templates": no_templates,
     "hidden-rows": hidden_rows,
     "no-resource-sheet": no_resource_sheet,
+    "untidy": untidy,
 }
 
 

@@ -8,6 +8,7 @@
 #include <set>
 #include <sstream>
 #include <string>
+#include <vector>
 
 #include "calendar/bstr.h"
 #include "calendar/calendar.h"
@@ -129,6 +130,52 @@ TEST_F(SampleWorkbookTest, DictionaryHoldsEveryCaption) {
     EXPECT_EQ(keys,
               (std::set<std::string>{"BAC", "PV", "EV", "AC", "SV", "CV", "SPI", "CPI", "EAC",
                                      "ETC", "ENDDATEORG", "ENDDATECHGTO", "EVMRPT", "WLRPT"}));
+}
+
+}  // namespace
+
+namespace {
+
+// The Application.ScreenUpdating calls a command made, in order.
+std::vector<std::string> ScreenUpdatingCalls(const std::vector<std::string>& log) {
+    std::vector<std::string> calls;
+    for (const std::string& entry : log) {
+        if (entry.starts_with("Application.ScreenUpdating")) calls.push_back(entry);
+    }
+    return calls;
+}
+
+TEST(CommandScreenTest, ACommandWorksWithScreenUpdatingOffAndPutsItBack) {
+    testsupport::EngineWorkbook workbook;
+    std::string error;
+    workbook.book = sheethost::LoadWorkbookJson(SampleText(), &error);
+    ASSERT_NE(workbook.book, nullptr) << error;
+    workbook.Bind();
+
+    std::vector<std::string> log;
+    sheethost::SetMemberLog(&log);
+    kpUpdateWBS();
+    EXPECT_EQ(
+        ScreenUpdatingCalls(log),
+        (std::vector<std::string>{"Application.ScreenUpdating", "Application.ScreenUpdating=False",
+                                  "Application.ScreenUpdating=True"}));
+    EXPECT_TRUE(workbook.book->screenUpdating);
+
+    // A command that stops early, on a calendar unit of 0, puts it back too.
+    log.clear();
+    sheethost::Sheet& settings = *sheethost::FindSheet(*workbook.book, "Settings");
+    settings.cells[{40, 3}].value = 0.0;  // CSCalendarUnit
+    kpUpdateWBS();
+    EXPECT_EQ(ScreenUpdatingCalls(log).size(), 3u);
+    EXPECT_TRUE(workbook.book->screenUpdating);
+
+    // A screen the macros switched off stays off.
+    log.clear();
+    workbook.book->screenUpdating = false;
+    kpUpdateWBS();
+    EXPECT_EQ(ScreenUpdatingCalls(log), std::vector<std::string>{"Application.ScreenUpdating"});
+    EXPECT_FALSE(workbook.book->screenUpdating);
+    sheethost::SetMemberLog(nullptr);
 }
 
 }  // namespace
