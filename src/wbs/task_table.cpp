@@ -66,9 +66,35 @@ class NameCells {
     std::vector<CellValues> blocks_;
 };
 
-bool EqualIgnoringCase(std::string_view a, std::string_view b) {
-    return std::ranges::equal(
-        a, b, [](unsigned char x, unsigned char y) { return std::toupper(x) == std::toupper(y); });
+// Two codes are the same task code when they are equal letter by letter ignoring case, so the
+// index keys them by their upper-case form.
+std::string FoldedCode(std::string_view code) {
+    std::string folded(code);
+    for (char& letter : folded) {
+        letter = static_cast<char>(std::toupper(static_cast<unsigned char>(letter)));
+    }
+    return folded;
+}
+
+bool InTable(const TaskRecord& record) {
+    return Tasks_ByRow(record.row) == &record;
+}
+
+void IndexCode(TaskTable& table, TaskRecord& record) {
+    auto& tasks = table.byCode[FoldedCode(TaskNameHead(record))];
+    const auto at = std::ranges::upper_bound(tasks, record.row, {}, &TaskRecord::row);
+    tasks.insert(at, &record);
+}
+
+void UnindexCode(TaskTable& table, TaskRecord& record) {
+    const auto entry = table.byCode.find(FoldedCode(TaskNameHead(record)));
+    if (entry == table.byCode.end()) {
+        return;
+    }
+    std::erase(entry->second, &record);
+    if (entry->second.empty()) {
+        table.byCode.erase(entry);
+    }
 }
 
 // Places a time of day read from the task sheet on the task's calendar day. A time earlier than the
@@ -168,6 +194,7 @@ void TaskTable_Load() {
     DeriveOutline(table, names);
     GrowPool(table);
     table.byWbs.Clear(false);
+    table.byCode.clear();
     for (std::int64_t k = 0; k < table.taskCount; ++k) {
         TaskRecord& record = *table.pool.ItemAt(k + 1);
         record.row = settings.firstTaskRow + k;
@@ -176,6 +203,7 @@ void TaskTable_Load() {
         record.isLeaf = Outline_IsLeaf(record);
         record.groupIndex = GroupIndex(record.wbsNo, settings);
         table.byWbs.Add(record.wbsNo, &record);
+        IndexCode(table, record);
     }
 }
 
@@ -200,7 +228,15 @@ void TaskRecord_ReadRow(TaskRecord& record) {
     const auto wide = [&](std::int64_t column) { return row.Wide(0, column - left); };
     const auto number = [&](std::int64_t column) { return row.Number(0, column - left); };
 
+    // The name decides the task's code: the index moves the record to its new code.
+    const bool indexed = InTable(record);
+    if (indexed) {
+        UnindexCode(EngineTasks(), record);
+    }
     BstrSet(record.nameCell, wide(nameColumn));
+    if (indexed) {
+        IndexCode(EngineTasks(), record);
+    }
     BstrSet(record.typeCell, wide(settings.taskTypeColNo));
     BstrSet(record.resourceCell, wide(settings.resourceColNo));
     record.pvText = text(settings.pvByTaskColNo);
@@ -247,12 +283,9 @@ TaskRecord* Tasks_ByWbs(std::string_view wbsText) {
 }
 
 TaskRecord* Tasks_ByCode(std::string_view code) {
-    for (TaskRecord* task = Tasks_First(); task != nullptr; task = Tasks_Next(*task)) {
-        if (EqualIgnoringCase(TaskNameHead(*task), code)) {
-            return task;
-        }
-    }
-    return nullptr;
+    const auto& byCode = EngineTasks().byCode;
+    const auto entry = byCode.find(FoldedCode(code));
+    return entry == byCode.end() ? nullptr : entry->second.front();
 }
 
 TaskRecord* Tasks_Find(std::string_view reference) {
