@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "cli/command_word.h"
 #include "cli/commands.h"
 #include "cli/session.h"
 #include "cli/workbook_file.h"
@@ -51,42 +52,6 @@ void AddCommonOptions(CLI::App& command, CommonOptions& options) {
                        "The selected task rows FIRST:LAST, which the moves work on");
 }
 
-// "gantt:2" or "offset:1,3": a command name and its whole-number arguments.
-std::optional<CommandCall> ParseCommandWord(const std::string& word, std::string& error) {
-    const auto colon = word.find(':');
-    const std::string name = word.substr(0, colon);
-    const EngineCommand* command = FindEngineCommand(name);
-    if (command == nullptr) {
-        error = "unknown command '" + name + "'";
-        return std::nullopt;
-    }
-    CommandCall call{command, {}};
-    if (colon != std::string::npos) {
-        std::string list = word.substr(colon + 1);
-        for (std::size_t at = 0; at <= list.size();) {
-            const auto comma = std::min(list.find(',', at), list.size());
-            try {
-                call.arguments.push_back(std::stoi(list.substr(at, comma - at)));
-            } catch (const std::exception&) {
-                error = "'" + word + "': the arguments must be whole numbers";
-                return std::nullopt;
-            }
-            at = comma + 1;
-        }
-    }
-    for (std::size_t i = call.arguments.size(); i < command->arguments.size(); ++i) {
-        if (command->arguments[i].hasDefault) {
-            call.arguments.push_back(command->arguments[i].defaultValue);
-        }
-    }
-    if (call.arguments.size() != command->arguments.size()) {
-        error =
-            "'" + name + "' takes " + std::to_string(command->arguments.size()) + " argument(s)";
-        return std::nullopt;
-    }
-    return call;
-}
-
 int Run(const CommonOptions& options, const std::vector<CommandCall>& calls) {
     for (const CommandCall& call : calls) {
         if (!call.command->built) {
@@ -114,8 +79,11 @@ int Run(const CommonOptions& options, const std::vector<CommandCall>& calls) {
         }
         session.selectedRows = rows;
     }
-    if (!options.output.empty() && !options.overwrite && fs::exists(options.output) &&
-        fs::equivalent(options.output, options.workbook)) {
+    // A path the file system cannot look at (too long, a loop of links) is no input: the write
+    // below reports it.
+    std::error_code unreadable;
+    if (!options.output.empty() && !options.overwrite &&
+        fs::equivalent(options.output, options.workbook, unreadable)) {
         std::cerr << "vantora: the output would replace the input workbook; give --overwrite to "
                      "allow it\n";
         return kUsageError;
@@ -136,6 +104,10 @@ int Run(const CommonOptions& options, const std::vector<CommandCall>& calls) {
         }
     } catch (const WorkbookFileError& error) {
         std::cerr << "vantora: " << error.what() << '\n';
+        return kWorkbookError;
+    } catch (const std::filesystem::filesystem_error& error) {
+        std::cerr << "vantora: " << error.path1().string() << ": " << error.code().message()
+                  << '\n';
         return kWorkbookError;
     }
     return kSuccess;

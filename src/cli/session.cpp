@@ -3,6 +3,7 @@
 #include <iostream>
 
 #include "calendar/resources.h"
+#include "cli/settings_checks.h"
 #include "com/text.h"
 #include "engine/exports.h"
 #include "engine/refresh.h"
@@ -47,10 +48,11 @@ bool RunEngineSession(const std::shared_ptr<sheethost::Workbook>& book,
     kpSetMessageReceiver(PrintMessage);
     kpSetStatusDate(options.now.value_or(0));
     kpSetWorkBook(&workbook.object);
-    const bool usable = RefreshSettings();
+    const bool usable = RefreshSettings() && SettingsAreUsable();
     if (usable) {
         LoadResources();
         TaskTable_Load();
+        WarnAboutTaskRowsPastTheLimit();
         for (const CommandCall& call : calls) {
             call.command->run(call.arguments);
         }

@@ -1,12 +1,12 @@
 #include "wbs/task_table.h"
 
 #include <algorithm>
-#include <cctype>
 #include <memory>
 
 #include "calendar/task_tests.h"
 #include "core/engine_state.h"
 #include "settings/settings.h"
+#include "values/case_fold.h"
 #include "values/values.h"
 
 namespace {
@@ -20,11 +20,6 @@ std::string_view TrimTrailingBlanks(std::string_view text) {
 
 std::string NameCellText(std::int64_t row, std::int64_t nameColumnOffset) {
     return EngineWbsSheet().Cell(row, EngineSettings().taskNameColNo + nameColumnOffset).GetValue();
-}
-
-bool EqualIgnoringCase(std::string_view a, std::string_view b) {
-    return std::ranges::equal(
-        a, b, [](unsigned char x, unsigned char y) { return std::toupper(x) == std::toupper(y); });
 }
 
 // The cell of the task's row in a column given by number, as the row reader addresses it ("F12").
@@ -188,7 +183,7 @@ TaskRecord* Tasks_ByWbs(std::string_view wbsText) {
 
 TaskRecord* Tasks_ByCode(std::string_view code) {
     for (TaskRecord* task = Tasks_First(); task != nullptr; task = Tasks_Next(*task)) {
-        if (EqualIgnoringCase(TaskNameHead(*task), code)) {
+        if (values::EqualIgnoringCase(TaskNameHead(*task), code)) {
             return task;
         }
     }

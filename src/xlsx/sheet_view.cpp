@@ -1,5 +1,6 @@
 #include "xlsx/sheet_view.h"
 
+#include <algorithm>
 #include <array>
 #include <string>
 #include <string_view>
@@ -58,7 +59,9 @@ void WriteSheetView(pugi::xml_node worksheet, const sheethost::Sheet& sheet, boo
     for (pugi::xml_node other : Children(views, "sheetView")) other.remove_attribute("tabSelected");
     if (active) view.prepend_attribute("tabSelected").set_value(1);
     view.remove_attribute("zoomScale");
-    if (sheet.zoom != 100) view.append_attribute("zoomScale").set_value(sheet.zoom);
+    // The spreadsheet opens no view outside 10% to 400%.
+    const int zoom = std::clamp(sheet.zoom, 10, 400);
+    if (zoom != 100) view.append_attribute("zoomScale").set_value(zoom);
 
     pugi::xml_node selection = ActiveSelection(view);
     const bool standard = sheet.activeCell == sheethost::CellRef{} && sheet.selection.size() == 1 &&
