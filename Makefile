@@ -1,7 +1,7 @@
 # The two commands of the project: `make demo` and `make test`. Both install what is missing first.
 JOBS ?= $(shell nproc)
 
-.PHONY: demo test bench deps native windows format
+.PHONY: demo test bench deps native windows fuzzers fuzz format
 
 deps:
 	@./scripts/install-deps
@@ -15,8 +15,19 @@ windows: deps
 		-DCMAKE_BUILD_TYPE=Release >/dev/null
 	@cmake --build build-win -j$(JOBS)
 
-test: native windows
-	@./scripts/run-tests build build-win
+test: native windows fuzzers
+	@./scripts/run-tests build build-win build-fuzz
+
+# The libFuzzer programs, built with clang and instrumented in a folder of their own.
+fuzzers: deps
+	@CC=clang CXX=clang++ cmake -S . -B build-fuzz -DVANTORA_FUZZ=ON -DVANTORA_TESTS=OFF \
+		-DCMAKE_BUILD_TYPE=RelWithDebInfo >/dev/null
+	@cmake --build build-fuzz -j$(JOBS)
+
+# Each fuzzer in turn for FUZZ_SECONDS.
+FUZZ_SECONDS ?= 600
+fuzz: fuzzers
+	@./scripts/run-fuzzers build-fuzz $(FUZZ_SECONDS)
 
 demo: native
 	@./scripts/demo build
