@@ -22,7 +22,7 @@ test: native windows fuzzers
 fuzzers: deps
 	@CC=clang CXX=clang++ cmake -S . -B build-fuzz -DVANTORA_FUZZ=ON -DVANTORA_TESTS=OFF \
 		-DCMAKE_BUILD_TYPE=RelWithDebInfo >/dev/null
-	@cmake --build build-fuzz -j$(JOBS)
+	@cmake --build build-fuzz -j$(JOBS) --target fuzzers
 
 # Each fuzzer in turn for FUZZ_SECONDS.
 FUZZ_SECONDS ?= 600
