@@ -261,8 +261,9 @@ std::vector<DefinedName> ReadNames(const json& names, const std::string& where) 
     std::vector<DefinedName> read;
     if (!names.is_object()) Fail(where, "must be an object of name: reference");
     for (const auto& [name, refersTo] : names.items()) {
-        read.push_back(
-            DefinedName{name, At(where + "." + name, [&] { return refersTo.get<std::string>(); })});
+        read.push_back(DefinedName{name, At(where + "." + name, [&value = refersTo] {
+                                       return value.get<std::string>();
+                                   })});
     }
     return read;
 }
@@ -360,7 +361,7 @@ std::shared_ptr<Sheet> ReadSheet(const Workbook& book, const json& entry, const 
         CheckKeys(line, {"width", "hidden", "style"}, at, true);
         const Area area = ReadLines(key, false, at);
         const auto width = OptionalNumber(line, "width", at);
-        const bool hidden = At(at, [&] { return line.value("hidden", false); });
+        const bool hidden = At(at, [&entry = line] { return entry.value("hidden", false); });
         StyleChange change(styles, line, at);
         for (int column = area.left; column <= area.right; ++column) {
             ColumnInfo& info = sheet->columns[column];
@@ -378,7 +379,7 @@ std::shared_ptr<Sheet> ReadSheet(const Workbook& book, const json& entry, const 
             Fail(at, "give rows their height, visibility or format at most 65,536 at a time");
         }
         const auto height = OptionalNumber(line, "height", at);
-        const bool hidden = At(at, [&] { return line.value("hidden", false); });
+        const bool hidden = At(at, [&entry = line] { return entry.value("hidden", false); });
         StyleChange change(styles, line, at);
         for (int row = area.top; row <= area.bottom; ++row) {
             RowInfo& info = sheet->rows[row];
@@ -391,7 +392,8 @@ std::shared_ptr<Sheet> ReadSheet(const Workbook& book, const json& entry, const 
     const json cells = entry.value("cells", json::object());
     for (const auto& [address, cell] : cells.items()) {
         const std::string at = where + ".cells." + address;
-        At(at, [&] { ReadCell(*sheet, address, cell, styles, at); });
+        At(at,
+           [&, &address = address, &cell = cell] { ReadCell(*sheet, address, cell, styles, at); });
     }
     const json formats = entry.value("formats", json::array());
     for (std::size_t k = 0; k < formats.size(); ++k) {
