@@ -72,3 +72,9 @@ double AddWorkdays(double date, std::int64_t n, std::int64_t step, const Resourc
 // continuously from the project start (nights and gaps included); times outside the project land
 // in its first or last column.
 std::int32_t DateToColumn(double t);
+
+// Draws the calendar grid of the task sheet for the settings the refresh just read: the header
+// rows (each day's date and weekday over its first column, the time of day of each column or of
+// each hour), one column per calendar unit from the project start with the columns outside their
+// day's working period hidden, the day and hour lines of the body and the column of "now".
+void DrawCalendarSheet();

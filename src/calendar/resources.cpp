@@ -2,6 +2,8 @@
 
 #include "core/engine_state.h"
 #include "core/strdict.h"
+#include "settings/settings.h"
+#include "values/values.h"
 #include "workbook/workbook.h"
 
 namespace {
@@ -24,11 +26,14 @@ StrDict<ResourceRecord>& Resources() {
 void LoadResources() {
     FreeResources();
     const XlObject sheet = EngineResourceSheet();
+    const std::int64_t rateColumn = EngineSettings().resourceRateColNo;
     for (std::int64_t row = kFirstResourceRow;; ++row) {
         const WideString key = sheet.Cell(row, kKeyColumn).GetWide("Value");
         if (key.empty()) break;
         auto* resource = new ResourceRecord;
         resource->name = sheet.Cell(row, kNameColumn).GetValue();
+        // The rate column is optional: without it every rate stays 0 (no rate).
+        if (rateColumn > 0) resource->rate = values::Val(sheet.Cell(row, rateColumn).GetValue());
         BstrSet(resource->keyText, key);
         Resources().Add(BstrToHex(resource->keyText), resource);
     }

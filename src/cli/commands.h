@@ -4,14 +4,24 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 // A whole-number argument of an export: given after the workbook on the command line, or, when it
 // has a default, as an option "--name N".
 struct CommandArgument {
+    CommandArgument(std::string name, bool hasDefault = false, int defaultValue = 0,
+                    std::string help = {})
+        : name(std::move(name)),
+          hasDefault(hasDefault),
+          defaultValue(defaultValue),
+          help(std::move(help)) {}
+
     std::string name;
     bool hasDefault = false;
     int defaultValue = 0;
+    // What the number means to a planner; "The command's <name>" when empty.
+    std::string help;
 };
 
 struct EngineCommand {
@@ -22,6 +32,8 @@ struct EngineCommand {
     // rather than pretending it ran.
     bool built;
     void (*run)(std::span<const int> arguments);
+    // More about the arguments, shown under the command's own --help.
+    const char* details = "";
 };
 
 const std::vector<EngineCommand>& EngineCommands();

@@ -10,7 +10,9 @@
 
 #include "cli/command_word.h"
 #include "cli/commands.h"
+#include "cli/render_command.h"
 #include "cli/session.h"
+#include "cli/user_edits.h"
 #include "cli/workbook_file.h"
 #include "values/values.h"
 
@@ -32,11 +34,13 @@ constexpr const char* kExitCodes =
     "engine part is not built yet; 5 the workbook's settings cannot be used.";
 
 struct CommonOptions {
+    std::vector<sheethost::UserEdit> userEdits;
     std::string workbook;
     std::string output;
     bool overwrite = false;
     std::string now;
     std::string rows;
+    std::optional<std::string> filterSpec;
 };
 
 void AddCommonOptions(CLI::App& command, CommonOptions& options) {
@@ -50,6 +54,13 @@ void AddCommonOptions(CLI::App& command, CommonOptions& options) {
                        "Pin the current date and time, \"YYYY-MM-DD HH:MM\" (default: the clock)");
     command.add_option("--rows", options.rows,
                        "The selected task rows FIRST:LAST, which the moves work on");
+}
+
+void AddFilterSpecOption(CLI::App& command, CommonOptions& options) {
+    command.add_option("--spec", options.filterSpec,
+                       "Write the filter \"MODE,ARGUMENT\" into the settings sheet's cell A500 "
+                       "first, as the workbook's filter dialog does (see the filter command's "
+                       "help for the modes)");
 }
 
 int Run(const CommonOptions& options, const std::vector<CommandCall>& calls) {
@@ -79,6 +90,8 @@ int Run(const CommonOptions& options, const std::vector<CommandCall>& calls) {
         }
         session.selectedRows = rows;
     }
+    session.filterSpec = options.filterSpec;
+    session.userEdits = options.userEdits;
     // A path the file system cannot look at (too long, a loop of links) is no input: the write
     // below reports it.
     std::error_code unreadable;
@@ -132,17 +145,23 @@ int main(int argc, char** argv) {
         call.arguments.resize(command.arguments.size());
         for (std::size_t i = 0; i < command.arguments.size(); ++i) {
             const CommandArgument& argument = command.arguments[i];
+            const std::string help =
+                argument.help.empty() ? "The command's " + argument.name : argument.help;
             if (argument.hasDefault) {
                 call.arguments[i] = argument.defaultValue;
-                sub->add_option("--" + argument.name, call.arguments[i],
-                                "The command's " + argument.name)
+                sub->add_option("--" + argument.name, call.arguments[i], help)
                     ->capture_default_str();
             } else {
-                sub->add_option(argument.name, call.arguments[i], "The command's " + argument.name)
-                    ->required();
+                sub->add_option(argument.name, call.arguments[i], help)->required();
             }
         }
         sub->callback([&] { calls.push_back(call); });
+        if (*command.details != '\0') {
+            sub->footer(command.details);
+        }
+        if (std::string_view(command.name) == "filter") {
+            AddFilterSpecOption(*sub, options);
+        }
     }
 
     CLI::App* run = app.add_subcommand(
@@ -150,6 +169,7 @@ int main(int argc, char** argv) {
         "Run several commands in one engine lifetime, in order, as the workbook's macros "
         "would call them one after another");
     AddCommonOptions(*run, options);
+    AddFilterSpecOption(*run, options);
     std::vector<std::string> words;
     run->add_option("COMMAND", words,
                     "A command name, with its whole-number arguments after a colon: update-wbs, "
@@ -166,11 +186,27 @@ int main(int argc, char** argv) {
         }
     });
 
+    RenderRequest renderRequest;
+    const CLI::App* render = AddRenderCommand(app, renderRequest);
+    CLI::App* edit = app.add_subcommand("edit", kEditHelp);
+    AddCommonOptions(*edit, options);
+    AddUserEditOptions(*edit);
+    edit->callback([&] {
+        auto edits = UserEditsInOrder(*edit, parseError);
+        if (!edits) {
+            throw CLI::ValidationError("edit", parseError);
+        }
+        options.userEdits = std::move(*edits);
+    });
+
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
         const int code = app.exit(error);
         return code == 0 ? kSuccess : kUsageError;
+    }
+    if (render->parsed()) {
+        return RunRender(renderRequest) ? kSuccess : kWorkbookError;
     }
     return Run(options, calls);
 }

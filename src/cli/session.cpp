@@ -4,10 +4,13 @@
 
 #include "calendar/resources.h"
 #include "cli/settings_checks.h"
+#include "cli/user_edits.h"
 #include "com/text.h"
 #include "engine/exports.h"
 #include "engine/refresh.h"
+#include "sheethost/address.h"
 #include "sheethost/sheethost.h"
+#include "wbs/filter.h"
 #include "wbs/task_table.h"
 
 namespace {
@@ -28,6 +31,16 @@ void SelectRows(sheethost::Workbook& book, RowSpan rows) {
     }
 }
 
+void WriteFilterSpec(sheethost::Workbook& book, const std::string& spec) {
+    for (const auto& sheet : book.sheets) {
+        if (sheet->codeName == "wsSettings") {
+            const sheethost::Area cell = *sheethost::ParseArea(kFilterSpecCell);
+            sheethost::CellAt(*sheet, cell.top, cell.left).value = spec;
+            return;
+        }
+    }
+}
+
 // Releases the host's workbook object when the session ends, after kpQuit: the engine never took a
 // reference of its own.
 struct HostReference {
@@ -41,6 +54,9 @@ bool RunEngineSession(const std::shared_ptr<sheethost::Workbook>& book,
                       std::span<const CommandCall> calls, const SessionOptions& options) {
     if (options.selectedRows) {
         SelectRows(*book, *options.selectedRows);
+    }
+    if (options.filterSpec) {
+        WriteFilterSpec(*book, *options.filterSpec);
     }
     HostReference workbook{sheethost::NewWorkbookObject(book)};
 
@@ -56,6 +72,7 @@ bool RunEngineSession(const std::shared_ptr<sheethost::Workbook>& book,
         for (const CommandCall& call : calls) {
             call.command->run(call.arguments);
         }
+        ReplayUserEdits(book, options.userEdits);
     }
     kpQuit();
     kpSetMessageReceiver(nullptr);

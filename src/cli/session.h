@@ -5,10 +5,12 @@
 #include <memory>
 #include <optional>
 #include <span>
+#include <string>
 #include <vector>
 
 #include "cli/commands.h"
 #include "sheethost/model.h"
+#include "sheethost/user_edits.h"
 
 struct CommandCall {
     const EngineCommand* command;
@@ -25,6 +27,11 @@ struct SessionOptions {
     std::optional<double> now;
     // The task rows selected on the task sheet, which the moves work on.
     std::optional<RowSpan> selectedRows;
+    // Written into the settings sheet's filter cell before the first command, as the workbook's
+    // filter dialog writes it.
+    std::optional<std::string> filterSpec;
+    // A user's edits of the task sheet, replayed with their sheet events after the commands.
+    std::vector<sheethost::UserEdit> userEdits;
 };
 
 // Runs `calls` on `book` in one engine lifetime. Before the first command the engine is primed as

@@ -9,7 +9,13 @@
 #include "core/engine_state.h"
 #include "engine/lifecycle.h"
 #include "engine/refresh.h"
+#include "gantt/chart.h"
+#include "gantt/progress_lines.h"
+#include "reports/reports.h"
 #include "settings/settings.h"
+#include "wbs/filter.h"
+#include "wbs/sheet_events.h"
+#include "wbs/task_moves.h"
 #include "wbs/task_table.h"
 #include "wbs/visible_rows.h"
 #include "wbs/wbs_update.h"
@@ -65,7 +71,11 @@ void kpDrawCalendar(std::int32_t unit) {
     if (!RefreshSettings()) {
         return;
     }
-    // The calendar grid and then every task's bars are drawn here once the chart drawing is built.
+    DrawCalendarSheet();
+    // The bars are laid over the new grid, from the task sheet as it stands now.
+    LoadResources();
+    TaskTable_Load();
+    DrawAllTaskBars();
 }
 
 void kpDrawGanntChart(std::int32_t style) {
@@ -74,11 +84,14 @@ void kpDrawGanntChart(std::int32_t style) {
     if (!RefreshSettings()) {
         return;
     }
+    // The chart shows the task sheet as it stands now, with the resources' bar looks.
+    LoadResources();
+    TaskTable_Load();
     const std::string filter = EngineSettings().filterRows;
     if (!filter.empty()) {
         ApplyVisibleRows("");
     }
-    // Every task's bars are drawn here once the chart drawing is built.
+    DrawAllTaskBars();
     if (!filter.empty()) {
         ApplyVisibleRows(filter);
     }
@@ -122,7 +135,7 @@ void kpWBSReschedule() {
     TaskTable_Load();
     UpdatePass();
     settings.rescheduleFlag = savedRescheduleFlag;
-    // Every task's bars are redrawn here once the chart drawing is built.
+    DrawAllTaskBars();
     if (!settings.filterRows.empty()) {
         ApplyVisibleRows(settings.filterRows);
     }
@@ -131,37 +144,66 @@ void kpWBSReschedule() {
 void kpWBSEventOnChange(IDispatch** target) {
     const ExportScope scope;
     const XlObject range(Dereference(target));
-    // The sheet-change handler runs here with `range` once the sheet events are built.
+    OnSheetChange(range);
 }
 
 void kpWBSEventOnSelectionChange(IDispatch** target) {
     const ExportScope scope;
     const XlObject range(Dereference(target));
-    // The selection-change handler runs here with `range` once the sheet events are built.
+    OnSelectionChange(range);
 }
 
-// The task moves, the filter, the progress lines and the reports are called from these exports
-// once their subsystems are built; until then they do nothing.
+void kpTasksMoveUp() {
+    const ExportScope scope;
+    MoveTasks(-1);
+}
 
-void kpTasksMoveUp() {}
+void kpTasksMoveDown() {
+    const ExportScope scope;
+    MoveTasks(+1);
+}
 
-void kpTasksMoveDown() {}
+void kpTasksMoveRight() {
+    const ExportScope scope;
+    IndentTasks(+1);
+}
 
-void kpTasksMoveRight() {}
+void kpTasksMoveLeft() {
+    const ExportScope scope;
+    IndentTasks(-1);
+}
 
-void kpTasksMoveLeft() {}
+void kpTasksOffset(std::int32_t first, std::int32_t second) {
+    const ExportScope scope;
+    OffsetTasks(first, second);
+}
 
-void kpTasksOffset(std::int32_t, std::int32_t) {}
+void kpWBSFilter() {
+    const ExportScope scope;
+    FilterCommand();
+}
 
-void kpWBSFilter() {}
+void kpDrawProgressLines() {
+    const ExportScope scope;
+    DrawProgressLines();
+}
 
-void kpDrawProgressLines() {}
+void kpEVMByTask() {
+    const ExportScope scope;
+    EvmByTaskReport(0);
+}
 
-void kpEVMByTask() {}
+void kpEVMByProject(std::int32_t first, std::int32_t second) {
+    const ExportScope scope;
+    PrepareProjectEvm(first, second);
+    WriteProjectEvmReport();
+}
 
-void kpEVMByProject(std::int32_t, std::int32_t) {}
-
-void kpWorkload(std::int32_t, std::int32_t) {}
+void kpWorkload(std::int32_t first, std::int32_t second) {
+    const ExportScope scope;
+    CollectWorkload();
+    WriteWorkloadReport(first, second);
+}
 
 void kpSetMessageReceiver(MessageReceiver receiver) {
     SetMessageReceiver(receiver);

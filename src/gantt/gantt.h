@@ -16,6 +16,8 @@
 inline constexpr char kCompleteBarTemplate[] = "GanntBar100%";
 inline constexpr char kProgressBarTemplate[] = "GanntBar%";
 inline constexpr char kBarTemplate[] = "GanntBar";
+// Followed by a resource's name, on the resource sheet: that resource's bar look.
+inline constexpr char kResourceBarTemplate[] = "GanntBarByRes";
 inline constexpr char kConnectorTemplate[] = "TaskConnector";
 inline constexpr char kProgressLineTemplate[] = "ProgressLines";
 // Named cell of the settings sheet holding the bar style the last drawing used.
@@ -49,6 +51,8 @@ void LoadGanttStyles();
 std::string BarTemplateName();
 // The name of the connector template: the prefix of every connector drawn.
 std::string ConnectorTemplateName();
+// The name of the progress-line template: the prefix of every day's progress line.
+std::string ProgressLineTemplateName();
 
 // Copies the line and fill of a template onto a new shape.
 void CopyShapeStyle(const XlObject& source, const XlObject& target);

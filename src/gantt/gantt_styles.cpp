@@ -46,3 +46,7 @@ std::string BarTemplateName() {
 std::string ConnectorTemplateName() {
     return NameOrDefault(EngineGanttStyles().connectorTemplate, kConnectorTemplate);
 }
+
+std::string ProgressLineTemplateName() {
+    return NameOrDefault(EngineGanttStyles().progressLineTemplate, kProgressLineTemplate);
+}

@@ -3,12 +3,11 @@
 #include <vector>
 
 #include "core/engine_state.h"
+#include "gantt/drawing.h"
 #include "gantt/gantt.h"
 #include "workbook/automation.h"
 
 namespace {
-
-constexpr OLECHAR kFirstSurrogate = 0xD800;
 
 struct ReleaseEnumerator {
     void operator()(IEnumVARIANT* enumerator) const { enumerator->Release(); }

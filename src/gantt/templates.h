@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <string_view>
 
 #include "workbook/workbook.h"
 
@@ -48,6 +49,8 @@ class ShapeTemplate {
     double Width() const;
     double Height() const;
     double FillColor() const;
+    double LineColor() const;
+    double LineWeight() const;
     // Gives `target` the template's line and fill.
     void StyleShape(const XlObject& target) const;
 
@@ -62,6 +65,18 @@ ShapeTemplate DependencyFrameTemplate();
 enum class StatusMarker { kDelay, kEnd, kStart };
 ShapeTemplate StatusMarkerTemplate(StatusMarker marker);
 
-// The template whose fill colours summary rows of `level` (1 = top level): the bar template's
-// name followed by the level, such as "GanntBar1".
+// The template whose fill colours summary rows of `level` (1 = top level) and draws their bars:
+// the bar template's name followed by the level, such as "GanntBar1".
 ShapeTemplate SummaryLevelTemplate(std::int64_t level);
+
+// The bars of the chart: the plain bar ("GanntBar"), the bar of a complete task and the progress
+// overlay ("GanntBar100%"), the actual bar of a task that ran off plan ("GanntBar%").
+ShapeTemplate PlainBarTemplate();
+ShapeTemplate CompleteBarTemplate();
+ShapeTemplate ProgressBarTemplate();
+// The bar of an ordinary task done by the resource named `resourceName`: the shape
+// "GanntBarByRes" + name on the resource sheet, else the plain bar.
+ShapeTemplate ResourceBarTemplate(std::string_view resourceName);
+// The line of task connectors ("TaskConnector") and of progress lines ("ProgressLines").
+ShapeTemplate ConnectorTemplate();
+ShapeTemplate ProgressLineTemplate();

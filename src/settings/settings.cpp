@@ -46,6 +46,11 @@ constexpr SettingKey kKeys[] = {
     {"WSFilterOptionShowSummary", nullptr, &SettingsRecord::filterOptionShowSummary},
     {"WSAutoUpdateMode", nullptr, &SettingsRecord::autoUpdateMode},
     {"WSTaskLinkerColorFlg", nullptr, &SettingsRecord::taskLinkerColorFlg},
+    {"WSDurationCol", &SettingsRecord::durationCol, nullptr},
+    {"WSLoadCol", &SettingsRecord::loadCol, nullptr},
+    {"WSForecastBySpiFlg", nullptr, &SettingsRecord::forecastBySpi},
+    {"WSResourceRateFlg", nullptr, &SettingsRecord::resourceRateSwitch},
+    {"WSResourceRateCol", &SettingsRecord::resourceRateCol, nullptr},
 };
 
 // Each column number and the letters it is derived from.
@@ -70,6 +75,9 @@ constexpr ColumnField kColumns[] = {
     {&SettingsRecord::actualEndDateColNo, &SettingsRecord::actualEndDateCol},
     {&SettingsRecord::percentCompleteColNo, &SettingsRecord::percentCompleteCol},
     {&SettingsRecord::predecessorsColNo, &SettingsRecord::predecessorsCol},
+    {&SettingsRecord::durationColNo, &SettingsRecord::durationCol},
+    {&SettingsRecord::loadColNo, &SettingsRecord::loadCol},
+    {&SettingsRecord::resourceRateColNo, &SettingsRecord::resourceRateCol},
 };
 
 // The host has no rows beyond this one; reads past it fail like reads of a missing sheet, which

@@ -68,15 +68,24 @@ struct SettingsRecord {
     std::int64_t taskColorUseFlg = 0;
     std::int64_t filterOptionShowDependence = 0;
     std::int64_t filterOptionShowSummary = 0;
-    // The earned-value forecast uses SPI when this is 1, else CPI; no settings cell feeds it, so
-    // it stays 0 (CPI).
+    // The earned-value forecast uses SPI when this is 1, else CPI ("WSForecastBySpiFlg"; a
+    // workbook without that cell forecasts by CPI).
     std::int64_t forecastBySpi = 0;
-    // Resource rates multiply the project's planned and earned values when this is 1; no settings
-    // cell feeds it, so it stays 0.
+    // Resource rates multiply the project's planned and earned values when this is 1
+    // ("WSResourceRateFlg").
     std::int64_t resourceRateSwitch = 0;
     std::int64_t reservedNumber4 = 0;
     std::int64_t autoUpdateMode = 0;
     std::int64_t taskLinkerColorFlg = 0;
+    // Columns the reports read. Each may be absent from a workbook (empty letters, number 0): the
+    // reports then count a task's duration from its planned dates and take its planned work as
+    // its load.
+    std::string durationCol;      // "WSDurationCol": the task's duration in whole days
+    std::string loadCol;          // "WSLoadCol": first load column, parallel to the resource ones
+    std::string resourceRateCol;  // "WSResourceRateCol": the rate column of the resource sheet
+    std::int64_t durationColNo = 0;
+    std::int64_t loadColNo = 0;
+    std::int64_t resourceRateColNo = 0;
     // The rows kept visible by the filter, each between two commas of its own (",12,,13,"); empty
     // when no filter is in force. Kept across commands, never loaded.
     std::string filterRows;

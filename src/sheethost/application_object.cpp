@@ -56,6 +56,29 @@ void ActiveSheet(ApplicationObject& app, Invocation& call) {
     call.ReturnObject(NewWorksheetObject(app.book, ActiveSheetOf(*app.book)));
 }
 
+// False while the program shows its own status; putting False gives it back, anything else is
+// shown as text.
+void StatusBar(ApplicationObject& app, Invocation& call) {
+    if (!call.IsPut()) {
+        if (!app.book->statusBar) return call.ReturnBoolean(false);
+        return call.ReturnText(*app.book->statusBar);
+    }
+    const VARIANT& value = call.PutValue();
+    if (value.vt == VT_BOOL && value.boolVal == VARIANT_FALSE) {
+        app.book->statusBar.reset();
+    } else {
+        app.book->statusBar = call.PutText();
+    }
+}
+
+// Only False is accepted: it ends the copy mode, so that the copied cells are no longer on the
+// clipboard.
+void CutCopyMode(ApplicationObject& app, Invocation& call) {
+    if (!call.IsPut()) return call.ReturnBoolean(app.book->clipboard.has_value());
+    if (call.PutBoolean()) RaiseProperty("set", "CutCopyMode", "Application");
+    app.book->clipboard.reset();
+}
+
 void Zoom(WindowObject& window, Invocation& call) {
     const SheetPtr sheet = ActiveSheetOf(*window.book);
     if (!call.IsPut()) return call.ReturnInteger(sheet->zoom);
@@ -135,6 +158,8 @@ const MemberTable<ApplicationObject>& ApplicationObject::Members() {
         {"Selection", Selection},
         {"ActiveCell", ActiveCell},
         {"ActiveSheet", ActiveSheet},
+        {"StatusBar", StatusBar},
+        {"CutCopyMode", CutCopyMode},
         {"ActiveWorkbook",
          [](ApplicationObject& a, Invocation& c) { c.ReturnObject(NewWorkbookObject(a.book)); }},
         {"ThisWorkbook",

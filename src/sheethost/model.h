@@ -236,6 +236,8 @@ struct Workbook {
     // spreadsheet counts on and does not reuse the names of renamed sheets.
     int lastSheetNumber = 0;
     int lastChartNumber = 0;
+    // The text a macro put into the program's status bar; none while the program shows its own.
+    std::optional<std::string> statusBar;
 };
 
 // Style lookups and cell access that keep the format inheritance (cell, row, column, default).

@@ -430,7 +430,8 @@ IDispatch* RangeItem(const RangeSpan& span, RangeMode mode, const Invocation& ca
     // Rows("5:7") and Columns("C:D") name their items by address, relative to the range.
     if (mode != RangeMode::kCells && call.Argument(0).vt == VT_BSTR) {
         const std::string text = call.Text(0);
-        if (!TextToNumber(text)) {
+        // "21:21" would read as a time of day; with its colon it is an address.
+        if (text.find(':') != std::string::npos || !TextToNumber(text)) {
             auto area = ParseArea(mode == RangeMode::kRows || text.find(':') != std::string::npos
                                       ? text
                                       : text + ":" + text);

@@ -439,10 +439,14 @@ void ReadSelection(const Workbook& book, const std::shared_ptr<Sheet>& sheet, co
 }
 
 std::shared_ptr<Workbook> ReadWorkbook(const json& root) {
-    CheckKeys(root, {"name", "activeSheet", "names", "styles", "sheets", "chartSheets"}, "workbook",
-              false);
+    CheckKeys(root,
+              {"name", "activeSheet", "names", "styles", "sheets", "chartSheets", "statusBar"},
+              "workbook", false);
     auto book = std::make_shared<Workbook>();
     At("name", [&] { book->name = root.value("name", book->name); });
+    if (root.contains("statusBar")) {
+        At("statusBar", [&] { book->statusBar = root["statusBar"].get<std::string>(); });
+    }
     const json styleTable = root.value("styles", json::object());
     const StyleReader styles(styleTable);
     book->names = ReadNames(root.value("names", json::object()), "names");
@@ -637,6 +641,7 @@ std::string DumpWorkbookJson(const Workbook& book) {
     if (book.activeSheet < book.sheets.size()) {
         root["activeSheet"] = book.sheets[book.activeSheet]->name;
     }
+    if (book.statusBar) root["statusBar"] = *book.statusBar;
     // A text that is no UTF-8 (read from a package, or written through the host) is dumped with
     // its faulty bytes replaced rather than refused.
     return root.dump(2, ' ', false, json::error_handler_t::replace) + "\n";

@@ -40,13 +40,6 @@ double OnCalendarDay(double timeOfDay, const CalendarDay& day) {
     return placed;
 }
 
-void CountTaskRows(TaskTable& table, std::int64_t firstTaskRow) {
-    table.taskCount = 0;
-    while (table.taskCount < kMaxTaskRows && IsTaskRow(firstTaskRow + table.taskCount)) {
-        ++table.taskCount;
-    }
-}
-
 // Rows 1..taskCount are derived from the sheet, including the row just below the last task, whose
 // counters feed only the leaf test of the last task. Row 0 is always the first top-level task,
 // whatever column its name is in.
@@ -117,7 +110,7 @@ void TaskTable_Free() {
 void TaskTable_Load() {
     TaskTable& table = EngineTasks();
     const SettingsRecord& settings = EngineSettings();
-    CountTaskRows(table, settings.firstTaskRow);
+    table.taskCount = TaskRowCount();
     DeriveOutline(table, settings.firstTaskRow);
     GrowPool(table);
     table.byWbs.Clear(false);
@@ -214,6 +207,15 @@ std::string Tasks_AncestorRows(std::int64_t row) {
         }
     }
     return rows;
+}
+
+std::int64_t TaskRowCount() {
+    const std::int64_t firstTaskRow = EngineSettings().firstTaskRow;
+    std::int64_t count = 0;
+    while (count < kMaxTaskRows && IsTaskRow(firstTaskRow + count)) {
+        ++count;
+    }
+    return count;
 }
 
 bool IsTaskRow(std::int64_t row) {

@@ -126,6 +126,9 @@ std::string Tasks_AncestorRows(std::int64_t row);
 
 // True when one of the row's ten name cells holds more than blanks.
 bool IsTaskRow(std::int64_t row);
+// The task rows on the sheet now: consecutive task rows from the first task row on, at most
+// kMaxTaskRows. The load counts them the same way.
+std::int64_t TaskRowCount();
 // The number of components of a WBS text.
 std::int64_t WbsLevel(std::string_view wbsText);
 // The WBS text of outline row i.

@@ -8,6 +8,7 @@
 #include "core/messages.h"
 #include "settings/settings.h"
 #include "values/values.h"
+#include "wbs/reschedule.h"
 #include "wbs/task_status.h"
 
 namespace {
@@ -17,11 +18,12 @@ std::string TaskTitle(const TaskRecord& task) {
     return task.wbsNo + BstrText(task.nameCell);
 }
 
-void CheckResource(TaskRecord& task, [[maybe_unused]] const CalendarDay* currentDay) {
-    if (const ResourceRecord* resource = FindResource(task.resourceCell)) {
-        // When the settings' reschedule flag is set, rescheduling places the task at this point
-        // (on `currentDay`, one task after another per resource) before its row is read again.
-        // Rescheduling is not built yet: the flag changes nothing here so far.
+void CheckResource(TaskRecord& task, const CalendarDay* currentDay) {
+    if (ResourceRecord* resource = FindResource(task.resourceCell)) {
+        if (EngineSettings().rescheduleFlag != 0) {
+            PlaceTask(task, *resource, currentDay);
+        }
+        // The release date is checked against the dates the placement may just have written.
         TaskRecord_ReadRow(task);
         // Written so that a release date that is not a number also warns.
         if (resource->releaseDate != 0 && !(resource->releaseDate >= task.plannedEnd)) {

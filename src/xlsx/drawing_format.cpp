@@ -394,7 +394,9 @@ void WriteTextBody(pugi::xml_node textBody, const TextFrame& frame,
                    const DrawingPrefixes& prefixes) {
     while (textBody.first_child()) textBody.remove_child(textBody.first_child());
     pugi::xml_node body = AddElement(textBody, prefixes.a, "bodyPr");
-    SetAttribute(body, "wrap", "square");
+    // A frame sized to its text is sized to it on one line: a program that wrapped the text
+    // instead would break a label in two when its font measures a little wider than ours.
+    SetAttribute(body, "wrap", frame.autoSize ? "none" : "square");
     if (!frame.autoMargins) {
         SetAttribute(body, "lIns", PointsToEmu(frame.marginLeft));
         SetAttribute(body, "tIns", PointsToEmu(frame.marginTop));

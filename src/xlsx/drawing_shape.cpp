@@ -142,10 +142,17 @@ std::optional<int> ConnectorTypeOf(std::string_view preset) {
     return std::nullopt;
 }
 
-std::string_view ConnectorPreset(const Shape& shape) {
+// Elbow and curved connectors name their preset after their segments, one more than their
+// adjustments: a route that turns once has none (bentConnector2), one that runs on from site to
+// site one (bentConnector3), one that doubles back three (bentConnector5).
+std::string ConnectorPreset(const Shape& shape) {
     if (shape.type == mso::kLine) return "line";
     const int type = shape.connectorType.value_or(mso::kConnectorStraight);
-    return kConnectorPresets[static_cast<std::size_t>(std::clamp(type, 1, 3) - 1)];
+    const std::string_view preset =
+        kConnectorPresets[static_cast<std::size_t>(std::clamp(type, 1, 3) - 1)];
+    if (type == mso::kConnectorStraight) return std::string(preset);
+    const std::size_t segments = std::clamp<std::size_t>(shape.adjustments.size() + 2, 2, 5);
+    return std::string(preset.substr(0, preset.size() - 1)) + std::to_string(segments);
 }
 
 // The adjustments of a preset, as fractions (the file writes them in hundred-thousandths); the
@@ -160,13 +167,15 @@ std::vector<double> ReadAdjustments(pugi::xml_node geometry, std::vector<double>
     return values.empty() ? preset : values;
 }
 
+// Shapes with one adjustment call it "adj", except connectors, whose guides are always numbered.
 void WriteAdjustments(pugi::xml_node geometry, const std::vector<double>& adjustments,
-                      const DrawingPrefixes& prefixes) {
+                      bool numbered, const DrawingPrefixes& prefixes) {
     pugi::xml_node list = AddElement(geometry, prefixes.a, "avLst");
     for (std::size_t at = 0; at < adjustments.size(); ++at) {
         pugi::xml_node guide = AddElement(list, prefixes.a, "gd");
         SetAttribute(guide, "name",
-                     adjustments.size() == 1 ? std::string("adj") : "adj" + std::to_string(at + 1));
+                     adjustments.size() == 1 && !numbered ? std::string("adj")
+                                                          : "adj" + std::to_string(at + 1));
         SetAttribute(guide, "fmla", "val " + std::to_string(std::lround(adjustments[at] * 100000)));
     }
 }
@@ -301,9 +310,10 @@ void WriteGeometry(pugi::xml_node properties, const Shape& shape, const DrawingP
         geometry = properties.prepend_child(name.c_str());
     }
     if (freeform) return WritePath(geometry, shape, prefixes);
-    SetAttribute(geometry, "prst",
-                 shape.connectorType ? ConnectorPreset(shape) : PresetOf(shape.autoShapeType));
-    WriteAdjustments(geometry, shape.adjustments, prefixes);
+    SetAttribute(
+        geometry, "prst",
+        shape.connectorType ? ConnectorPreset(shape) : std::string(PresetOf(shape.autoShapeType)));
+    WriteAdjustments(geometry, shape.adjustments, shape.connectorType.has_value(), prefixes);
 }
 
 void WriteConnections(pugi::xml_node object, const Shape& shape, const DrawingPrefixes& prefixes) {
@@ -361,9 +371,14 @@ std::optional<Shape> ReadShapeElement(pugi::xml_node object, const Box& box,
         shape.connectorType = connector;
         shape.type = presetName == "line" ? mso::kLine : mso::kAutoShape;
         shape.autoShapeType = mso::kShapeMixed;
-        // An elbow or curve bends halfway unless the file says otherwise.
-        if (*connector != mso::kConnectorStraight)
-            shape.adjustments = ReadAdjustments(preset, {0.5});
+        // Each bend of an elbow or curve lies halfway unless the file says otherwise; the preset's
+        // last digit counts its segments, one more than its bends.
+        if (*connector != mso::kConnectorStraight) {
+            const int segments = presetName.empty() ? 3 : presetName.back() - '0';
+            shape.adjustments = ReadAdjustments(
+                preset,
+                std::vector<double>(static_cast<std::size_t>(std::clamp(segments, 2, 5) - 2), 0.5));
+        }
         pugi::xml_node connections = Child(nonVisual, "cNvCxnSpPr");
         shape.beginConnection = ReadConnection(Child(connections, "stCxn"));
         shape.endConnection = ReadConnection(Child(connections, "endCxn"));

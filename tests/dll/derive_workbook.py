@@ -8,6 +8,12 @@ sample as it changes:
   no-templates     no template shapes on any sheet: the engine's built-in looks must stand in
   hidden-rows      the finished tasks hidden by hand, as a user filters the plan down to open work
   no-resource-sheet  the resource sheet removed: binding leaves its reference null
+  select:FIRST:LAST  whole rows FIRST to LAST selected on the task sheet, which is made the
+                   active sheet, as a user selects rows before moving them
+  filter:SPEC      the filter cell A500 of the settings sheet set to SPEC ("5," or "1,CREW,"),
+                   as the workbook's filter dialog writes it
+
+Variants join with "+": "select:21:22+filter:5,".
 """
 import json
 import sys
@@ -39,6 +45,17 @@ def no_resource_sheet(book):
     book["sheets"] = [s for s in book["sheets"] if s.get("codeName") != "wsResource"]
 
 
+def select_rows(book, first, last):
+    wbs = sheet_with_code(book, "wsWBS")
+    wbs["selection"] = f"{first}:{last}"
+    wbs["activeCell"] = f"A{first}"
+    book["activeSheet"] = wbs["name"]
+
+
+def filter_spec(book, spec):
+    sheet_with_code(book, "wsSettings").setdefault("cells", {})["A500"] = spec
+
+
 VARIANTS = {
     "as-is": lambda book: None,
     "no-templates": no_templates,
@@ -47,12 +64,26 @@ VARIANTS = {
 }
 
 
+def apply_variant(book, variant):
+    name, _, argument = variant.partition(":")
+    if name == "select":
+        first, _, last = argument.partition(":")
+        select_rows(book, int(first), int(last))
+    elif name == "filter":
+        filter_spec(book, argument)
+    elif variant in VARIANTS:
+        VARIANTS[variant](book)
+    else:
+        sys.exit(__doc__)
+
+
 def main():
-    if len(sys.argv) != 4 or sys.argv[1] not in VARIANTS:
+    if len(sys.argv) != 4:
         sys.exit(__doc__)
     with open(sys.argv[2], encoding="utf-8") as source:
         book = json.load(source)
-    VARIANTS[sys.argv[1]](book)
+    for variant in sys.argv[1].split("+"):
+        apply_variant(book, variant)
     with open(sys.argv[3], "w", encoding="utf-8") as target:
         json.dump(book, target, indent=1)
 

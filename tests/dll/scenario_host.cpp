@@ -24,6 +24,7 @@
 
 #include "com/text.h"
 #include "sheethost/sheethost.h"
+#include "sheethost/user_edits.h"
 #include "values/values.h"
 
 #ifndef _WIN32
@@ -90,10 +91,49 @@ void ReceiveMessage(const OLECHAR* text, UINT icon) {
     messages.push_back(std::to_string(icon) + " " + Narrow(text));
 }
 
+std::vector<std::string> statusBars;
+
+// "set:U12=100" -> the edit made on the task sheet and its event fired; false when the word is
+// not an edit or the edit is refused.
+bool RunUserEdit(const std::string& word, const sheethost::BookPtr& book) {
+    static const std::pair<const char*, sheethost::UserEditKind> kinds[] = {
+        {"set", sheethost::UserEditKind::kType},
+        {"insert-row", sheethost::UserEditKind::kInsertRow},
+        {"delete-row", sheethost::UserEditKind::kDeleteRow},
+        {"select", sheethost::UserEditKind::kSelect},
+    };
+    const auto colon = word.find(':');
+    const std::string name = word.substr(0, colon);
+    for (const auto& [kindName, kind] : kinds) {
+        if (name != kindName || colon == std::string::npos) continue;
+        std::string error;
+        const auto edit = sheethost::ParseUserEdit(kind, word.substr(colon + 1), error);
+        sheethost::SheetPtr sheet;
+        for (const auto& candidate : book->sheets) {
+            if (candidate->codeName == "wsWBS") sheet = candidate;
+        }
+        if (!edit || !sheet) return false;
+        IDispatch* target = sheethost::PerformUserEdit(book, sheet, *edit, error);
+        if (target == nullptr) return false;
+        // The export releases the target once, as the program's event passes it.
+        if (sheethost::IsSelection(*edit)) {
+            Export<void (*)(IDispatch**)>("kpWBSEventOnSelectionChange")(&target);
+            statusBars.push_back(word + ": " + book->statusBar.value_or("(the program's own)"));
+        } else {
+            Export<void (*)(IDispatch**)>("kpWBSEventOnChange")(&target);
+        }
+        return true;
+    }
+    return false;
+}
+
 // "kpTasksOffset:1,3" -> the export called with its arguments; false when it is not exported.
 bool RunCommand(const std::string& word) {
     const auto colon = word.find(':');
     const std::string name = word.substr(0, colon);
+    if (LookUp(name) == nullptr) {
+        return false;
+    }
     std::vector<std::int32_t> arguments;
     if (colon != std::string::npos) {
         std::istringstream list(word.substr(colon + 1));
@@ -101,7 +141,7 @@ bool RunCommand(const std::string& word) {
             arguments.push_back(std::stoi(item));
         }
     }
-    if (LookUp(name) == nullptr || arguments.size() > 2) {
+    if (arguments.size() > 2) {
         return false;
     }
     if (arguments.empty()) {
@@ -166,7 +206,7 @@ int main(int argc, char** argv) {
     std::vector<std::string> unknown;
     const bool unloadWithoutQuit = std::string(argv[argc - 1]) == "FreeLibrary";
     for (int i = 4; i < argc - (unloadWithoutQuit ? 1 : 0); ++i) {
-        if (!RunCommand(argv[i])) {
+        if (!RunUserEdit(argv[i], book) && !RunCommand(argv[i])) {
             unknown.push_back(argv[i]);
         }
     }
@@ -191,6 +231,9 @@ int main(int argc, char** argv) {
     report << "messages: " << messages.size() << '\n';
     for (const std::string& message : messages) {
         report << message << '\n';
+    }
+    for (const std::string& status : statusBars) {
+        report << "status bar after " << status << '\n';
     }
     const auto live = sheethost::LiveObjectReport();
     bool leftoversExplained = true;

@@ -59,6 +59,31 @@ TEST_F(WorkbookTest, ZoomBelongsToTheActiveSheet) {
     EXPECT_TRUE(FAILED(Put(application.get(), OLESTR(".ActiveWindow.Zoom=%d"), 5)));
 }
 
+TEST_F(WorkbookTest, StatusBarShowsAMacroTextUntilFalseGivesItBack) {
+    EXPECT_EQ(hosttest::TypeOf(application.get(), OLESTR(".StatusBar")), VT_BOOL);
+    ASSERT_EQ(Put(workbook.get(), OLESTR(".Application.StatusBar=%s"), "1.2 Design"), S_OK);
+    EXPECT_EQ(Text(application.get(), OLESTR(".StatusBar")), "1.2 Design");
+    EXPECT_NE(sheethost::DumpWorkbookJson(*book).find("\"statusBar\": \"1.2 Design\""),
+              std::string::npos);
+    // The dump loads back with the same text.
+    const auto again = sheethost::LoadWorkbookJson(sheethost::DumpWorkbookJson(*book));
+    ASSERT_NE(again, nullptr);
+    EXPECT_EQ(again->statusBar, "1.2 Design");
+    ASSERT_EQ(Put(application.get(), OLESTR(".StatusBar=%b"), FALSE), S_OK);
+    EXPECT_FALSE(book->statusBar.has_value());
+    EXPECT_EQ(sheethost::DumpWorkbookJson(*book).find("statusBar"), std::string::npos);
+}
+
+TEST_F(WorkbookTest, EndingTheCopyModeEmptiesTheClipboard) {
+    ASSERT_EQ(hosttest::Call(Sheet("WBS").get(), OLESTR(".Range(%s).Copy"), "B2:C2"), S_OK);
+    EXPECT_EQ(Text(application.get(), OLESTR(".CutCopyMode")), "True");
+    ASSERT_EQ(Put(application.get(), OLESTR(".CutCopyMode=%b"), FALSE), S_OK);
+    EXPECT_FALSE(book->clipboard.has_value());
+    // With the clipboard empty a row is inserted as an empty row again.
+    EXPECT_EQ(hosttest::Call(Sheet("WBS").get(), OLESTR(".Rows(%d).EntireRow.Insert"), 3), S_OK);
+    EXPECT_TRUE(FAILED(Put(application.get(), OLESTR(".CutCopyMode=%b"), TRUE)));
+}
+
 TEST_F(WorkbookTest, MatchFindsTheKeyInAColumn) {
     Object functions = Get(workbook.get(), OLESTR(".Application.WorksheetFunction"));
     Object column = Get(Sheet("Dictionary").get(), OLESTR(".Range(%s)"), "B:B");

@@ -116,6 +116,23 @@ TEST_F(RowsTest, CutRowsInsertedBelowCloseTheGap) {
     EXPECT_EQ(ValueAt("D7"), "60");
 }
 
+// "21:22" also reads as a time of day; as the argument of Rows it is an address. The moved rows
+// are selected again the way the task moves do it.
+TEST_F(RowsTest, RowAddressesThatLookLikeTimesMoveAndSelectRows) {
+    Put(sheet.get(), OLESTR(".Range(%s).Value=%s"), "B21", "Pack");
+    Put(sheet.get(), OLESTR(".Range(%s).Value=%s"), "B22", "Load");
+    Put(sheet.get(), OLESTR(".Range(%s).Value=%s"), "B23", "Drive");
+    ASSERT_EQ(hosttest::Call(sheet.get(), OLESTR(".Rows(%s).Cut"), "21:22"), S_OK);
+    ASSERT_EQ(hosttest::Call(sheet.get(), OLESTR(".Rows(%s).Insert(%d)"), "24:24", -4121), S_OK);
+    ASSERT_EQ(hosttest::Call(sheet.get(), OLESTR(".Rows(%s).Select"), "22:23"), S_OK);
+    EXPECT_EQ(ValueAt("B21"), "Drive");
+    EXPECT_EQ(ValueAt("B22"), "Pack");
+    EXPECT_EQ(ValueAt("B23"), "Load");
+    EXPECT_EQ(Number(workbook.get(), OLESTR(".Application.Selection.Rows.Count")), 2);
+    EXPECT_EQ(Number(workbook.get(), OLESTR(".Application.Selection.Row")), 22);
+    EXPECT_EQ(Number(workbook.get(), OLESTR(".Application.Selection.Columns.Count")), 16384);
+}
+
 TEST_F(RowsTest, InsertedAndDeletedRowsShiftFormulas) {
     // The event handler's insert: the new row looks like the row above it.
     Object row8 = Get(sheet.get(), OLESTR(".Range(%s)"), "B8");

@@ -97,18 +97,37 @@ class ProjectJson {
         Cells("Settings")[address] = std::move(value);
     }
 
+    // A new named settings cell at `address` ("C40") of the settings sheet, holding `value`.
+    void AddSetting(std::string_view name, std::string_view address, nlohmann::json value) {
+        std::string reference = "=Settings!$";
+        const std::size_t digits = address.find_first_of("0123456789");
+        reference.append(address.substr(0, digits)).append("$").append(address.substr(digits));
+        json_["names"][std::string(name)] = reference;
+        Cells("Settings")[std::string(address)] = std::move(value);
+    }
+
+    // A worksheet added after the others.
+    void AddSheet(std::string_view name, std::string_view codeName, nlohmann::json cells) {
+        json_["sheets"].push_back({{"name", name}, {"codeName", codeName}, {"cells", cells}});
+    }
+
+    // A workbook name, such as a table of the settings sheet: "=Settings!$E$2:$F$3".
+    void Name(std::string_view name, std::string_view reference) {
+        json_["names"][std::string(name)] = reference;
+    }
+
     void HideRow(int row) { Sheet("WBS")["rows"][std::to_string(row)] = {{"hidden", true}}; }
 
-    // A template shape on the settings sheet.
+    // A template shape, on the settings sheet unless another is named.
     void AddTemplate(std::string_view name, int autoShapeType, double width, double height,
-                     std::int32_t fillColour, std::int32_t lineColour = 0) {
-        Shapes("Settings")
-            .push_back({{"name", name},
-                        {"autoShapeType", autoShapeType},
-                        {"width", width},
-                        {"height", height},
-                        {"line", {{"foreColor", lineColour}, {"weight", 1.5}}},
-                        {"fill", {{"foreColor", fillColour}}}});
+                     std::int32_t fillColour, std::int32_t lineColour = 0,
+                     std::string_view sheet = "Settings") {
+        Shapes(sheet).push_back({{"name", name},
+                                 {"autoShapeType", autoShapeType},
+                                 {"width", width},
+                                 {"height", height},
+                                 {"line", {{"foreColor", lineColour}, {"weight", 1.5}}},
+                                 {"fill", {{"foreColor", fillColour}}}});
     }
 
     // The templates every status colour needs: levels 1 and 2, the frame and the three markers.

@@ -1,6 +1,7 @@
 // Shapes, connectors, freeforms, text boxes and charts through a save and a load.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <set>
 
@@ -197,6 +198,56 @@ TEST_F(DrawingTest, AnUnchangedDrawingIsKeptByteForByte) {
               ReadPart(folder / "first.xlsx", "xl/drawings/drawing1.xml"));
     EXPECT_EQ(ReadPart(folder / "second.xlsx", "xl/charts/chart1.xml"),
               ReadPart(folder / "first.xlsx", "xl/charts/chart1.xml"));
+}
+
+TEST_F(DrawingTest, ElbowsNameTheirPresetAfterTheirBendsAndNumberTheirGuides) {
+    const auto book = DrawnWorkbook();
+    const auto& original = book->sheets[0]->shapes;
+    const auto found = std::find_if(original.begin(), original.end(), [](const auto& shape) {
+        return shape->name == "Connector 12";
+    });
+    ASSERT_NE(found, original.end());
+    const std::size_t at = static_cast<std::size_t>(found - original.begin());
+    Shape connector = **found;
+    for (const auto& [name, bends] : std::vector<std::pair<std::string, std::vector<double>>>{
+             {"Turns once", {}}, {"Doubles back", {-0.4, 0.5, 1.4}}}) {
+        connector.name = name;
+        connector.adjustments = bends;
+        AddShape(*book->sheets[0], connector);
+    }
+    SaveXlsx(*book, {}, folder / "drawn.xlsx");
+    const std::string drawing = ReadPart(folder / "drawn.xlsx", "xl/drawings/drawing1.xml");
+    EXPECT_NE(
+        drawing.find(R"(prst="bentConnector3"><a:avLst><a:gd name="adj1" fmla="val 50000"/>)"),
+        std::string::npos);
+    EXPECT_NE(drawing.find(R"(prst="bentConnector2"><a:avLst/>)"), std::string::npos);
+    EXPECT_NE(
+        drawing.find(R"(prst="bentConnector5"><a:avLst><a:gd name="adj1" fmla="val -40000"/>)"),
+        std::string::npos);
+
+    const auto loaded = LoadXlsx(folder / "drawn.xlsx");
+    const auto& shapes = loaded->sheets[0]->shapes;
+    EXPECT_EQ(shapes[at]->adjustments, std::vector<double>{0.5});
+    EXPECT_EQ(shapes[shapes.size() - 2]->adjustments, std::vector<double>{});
+    EXPECT_EQ(shapes.back()->adjustments, (std::vector<double>{-0.4, 0.5, 1.4}));
+}
+
+TEST_F(DrawingTest, TextSizedToItsTextStaysOnOneLineAndOtherTextWraps) {
+    const auto book = DrawnWorkbook();
+    Shape wrapped;
+    wrapped.name = "Wrapped";
+    wrapped.textFrame = sheethost::TextFrame{};
+    wrapped.textFrame->runs = {{"A note that may wrap", {}}};
+    AddShape(*book->sheets[0], wrapped);
+    SaveXlsx(*book, {}, folder / "drawn.xlsx");
+
+    const std::string drawing = ReadPart(folder / "drawn.xlsx", "xl/drawings/drawing1.xml");
+    const std::size_t sized = drawing.find("Status 2024/04/15");
+    const std::size_t free = drawing.find("A note that may wrap");
+    ASSERT_NE(sized, std::string::npos);
+    ASSERT_NE(free, std::string::npos);
+    EXPECT_NE(drawing.rfind("wrap=\"none\"", sized), std::string::npos);
+    EXPECT_GT(drawing.rfind("wrap=\"square\"", free), sized);
 }
 
 TEST_F(DrawingTest, RemovingEveryShapeRemovesTheDrawing) {

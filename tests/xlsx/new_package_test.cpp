@@ -27,13 +27,11 @@ std::shared_ptr<sheethost::Workbook> SampleProject() {
 }
 
 // The shape as the host makes one of its kind, which a file gives back: the fixture leaves out
-// what the host's Add methods set (the text frame of an auto shape, the bend of an elbow, the
-// mixed type of a connector).
+// what the host's Add methods set (the text frame of an auto shape, the mixed type of a
+// connector). An elbow's bends are kept as they are, none included.
 sheethost::Shape AsTheHostMakesIt(sheethost::Shape shape) {
     if (shape.connectorType) {
         shape.autoShapeType = sheethost::mso::kShapeMixed;
-        if (*shape.connectorType != sheethost::mso::kConnectorStraight && shape.adjustments.empty())
-            shape.adjustments = {0.5};
     } else if (shape.type == sheethost::mso::kAutoShape || shape.type == sheethost::mso::kTextBox) {
         if (!shape.textFrame) shape.textFrame = sheethost::TextFrame{};
     }
