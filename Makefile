@@ -1,10 +1,15 @@
-# The two commands of the project: `make demo` and `make test`. Both install what is missing first.
+# The two commands of the project: `make demo` and `make test`. Both install what is missing first:
+# the demo only the compiler and libraries of vantora, the tests also the test tools, the Windows
+# cross compiler, Wine and LibreOffice.
 JOBS ?= $(shell nproc)
 
-.PHONY: demo test bench deps native windows fuzzers fuzz format
+.PHONY: demo test bench deps demo-deps native windows release fuzzers fuzz format
 
 deps:
-	@./scripts/install-deps
+	@./scripts/install-deps test
+
+demo-deps:
+	@./scripts/install-deps demo
 
 native: deps
 	@cmake -S . -B build -DVANTORA_SANITIZE=ON -DCMAKE_BUILD_TYPE=Debug >/dev/null
@@ -29,11 +34,16 @@ FUZZ_SECONDS ?= 600
 fuzz: fuzzers
 	@./scripts/run-fuzzers build-fuzz $(FUZZ_SECONDS)
 
-demo: native
-	@./scripts/demo build
+# The optimised vantora a planner runs: no sanitizers, no tests.
+release: demo-deps
+	@cmake -S . -B build-release -DCMAKE_BUILD_TYPE=Release -DVANTORA_TESTS=OFF >/dev/null
+	@cmake --build build-release --target vantora -j$(JOBS)
+
+demo: release
+	@./scripts/demo build-release
 
 # Speed and memory of the WBS update and the workbook files, on an optimised build without sanitizers.
-bench: deps
+bench: demo-deps
 	@cmake -S . -B build-bench -DCMAKE_BUILD_TYPE=Release -DVANTORA_TESTS=OFF >/dev/null
 	@cmake --build build-bench --target update_wbs_bench -j$(JOBS)
 	@build-bench/update_wbs_bench examples/sample.json

@@ -3,12 +3,28 @@
 #include <algorithm>
 #include <charconv>
 
+#include "cli/commands.h"
+
+namespace {
+
+// The commands that are not engine commands, for the suggestion after a mistyped name.
+constexpr std::string_view kWorkbookCommands[] = {"run", "new", "check", "convert"};
+
+}  // namespace
+
+std::string UnknownCommand(std::string_view name) {
+    std::string text = "unknown command '" + std::string(name) + "'";
+    const std::string closest = ClosestCommandName(name, kWorkbookCommands);
+    if (!closest.empty()) text += "; did you mean '" + closest + "'?";
+    return text + " (vantora --help lists the commands)";
+}
+
 std::optional<CommandCall> ParseCommandWord(const std::string& word, std::string& error) {
     const auto colon = word.find(':');
     const std::string name = word.substr(0, colon);
     const EngineCommand* command = FindEngineCommand(name);
     if (command == nullptr) {
-        error = "unknown command '" + name + "'";
+        error = UnknownCommand(name);
         return std::nullopt;
     }
     CommandCall call{command, {}};

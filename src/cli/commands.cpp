@@ -1,6 +1,7 @@
 #include "cli/commands.h"
 
 #include <algorithm>
+#include <numeric>
 
 #include "engine/exports.h"
 
@@ -27,12 +28,15 @@ std::vector<EngineCommand> MakeCommands() {
          [](std::span<const int>) { kpWBSReschedule(); }},
         {"gantt",
          "Draw the Gantt bars and connectors",
-         {{"style", true, 1}},
+         {{"style", true, 1,
+           "Bar style: 0 plain bars copied from the templates, 1 to 6 shaped bars"}},
          true,
          [](std::span<const int> a) { kpDrawGanntChart(a[0]); }},
         {"calendar",
          "Draw the calendar strip and the Gantt bars",
-         {{"unit", true, 0}},
+         {{"unit", true, 0,
+           "Minutes one chart column stands for (60 an hour, 1440 a day); 0 keeps the "
+           "workbook's CSCalendarUnit"}},
          true,
          [](std::span<const int> a) { kpDrawCalendar(a[0]); }},
         {"filter",
@@ -40,6 +44,7 @@ std::vector<EngineCommand> MakeCommands() {
          {},
          true,
          [](std::span<const int>) { kpWBSFilter(); },
+         false,
          "The filter is \"MODE,ARGUMENT\" as the workbook's filter dialog writes it into cell "
          "A500 of the settings sheet; --spec writes it there first. Modes:\n"
          "  0  show every task row (no filter)\n"
@@ -73,28 +78,33 @@ std::vector<EngineCommand> MakeCommands() {
          "Move the selected rows (--rows) up by one row as a block, if the outline allows it",
          {},
          true,
-         [](std::span<const int>) { kpTasksMoveUp(); }},
+         [](std::span<const int>) { kpTasksMoveUp(); },
+         true},
         {"move-down",
          "Move the selected rows (--rows) down by one row as a block, if the outline allows it",
          {},
          true,
-         [](std::span<const int>) { kpTasksMoveDown(); }},
+         [](std::span<const int>) { kpTasksMoveDown(); },
+         true},
         {"indent",
          "Move the selected tasks (--rows) one outline level deeper, if the outline allows it",
          {},
          true,
-         [](std::span<const int>) { kpTasksMoveRight(); }},
+         [](std::span<const int>) { kpTasksMoveRight(); },
+         true},
         {"outdent",
          "Move the selected tasks (--rows) one outline level up, if the outline allows it",
          {},
          true,
-         [](std::span<const int>) { kpTasksMoveLeft(); }},
+         [](std::span<const int>) { kpTasksMoveLeft(); },
+         true},
         {"offset",
-         "Shift the selected (--rows) not-started tasks by FIRST x SECOND minutes",
-         {{"first", false, 0, "A whole number, multiplied by SECOND (negative: earlier)"},
-          {"second", false, 0, "A whole number of minutes, multiplied by FIRST"}},
+         "Shift the planned times of the selected tasks that have not started by a x b minutes",
+         {{"a", false, 0, "With b: the shift in minutes is a x b; negative moves earlier"},
+          {"b", false, 0, "With a: 2 15 is 30 minutes later, -1 60 an hour earlier"}},
          true,
-         [](std::span<const int> a) { kpTasksOffset(a[0], a[1]); }},
+         [](std::span<const int> a) { kpTasksOffset(a[0], a[1]); },
+         true},
         {"evm-task",
          "Write the earned-value figures of every task on the sheet EVM0_<today>",
          {},
@@ -126,4 +136,39 @@ const EngineCommand* FindEngineCommand(std::string_view name) {
     const auto found = std::find_if(commands.begin(), commands.end(),
                                     [&](const EngineCommand& c) { return c.name == name; });
     return found == commands.end() ? nullptr : &*found;
+}
+
+namespace {
+
+// The number of single-letter insertions, deletions and substitutions between two names.
+std::size_t EditDistance(std::string_view a, std::string_view b) {
+    std::vector<std::size_t> row(b.size() + 1);
+    std::iota(row.begin(), row.end(), 0);
+    for (std::size_t i = 1; i <= a.size(); ++i) {
+        std::size_t diagonal = row[0];
+        row[0] = i;
+        for (std::size_t j = 1; j <= b.size(); ++j) {
+            const std::size_t above = row[j];
+            row[j] = std::min({row[j] + 1, row[j - 1] + 1, diagonal + (a[i - 1] != b[j - 1])});
+            diagonal = above;
+        }
+    }
+    return row[b.size()];
+}
+
+}  // namespace
+
+std::string ClosestCommandName(std::string_view name, std::span<const std::string_view> others) {
+    std::string best;
+    std::size_t bestDistance = std::max<std::size_t>(2, name.size() / 3) + 1;
+    auto consider = [&](std::string_view candidate) {
+        const std::size_t distance = EditDistance(name, candidate);
+        if (distance < bestDistance) {
+            bestDistance = distance;
+            best = candidate;
+        }
+    };
+    for (const EngineCommand& command : EngineCommands()) consider(command.name);
+    for (std::string_view other : others) consider(other);
+    return best;
 }

@@ -32,9 +32,14 @@ struct EngineCommand {
     // rather than pretending it ran.
     bool built;
     void (*run)(std::span<const int> arguments);
+    // The command works on the selected task rows, which --rows gives.
+    bool usesSelection = false;
     // More about the arguments, shown under the command's own --help.
     const char* details = "";
 };
 
 const std::vector<EngineCommand>& EngineCommands();
 const EngineCommand* FindEngineCommand(std::string_view name);
+// The known command name closest to a mistyped one (engine commands and `others`), or empty when
+// none is close.
+std::string ClosestCommandName(std::string_view name, std::span<const std::string_view> others);

@@ -10,28 +10,17 @@
 
 #include "cli/command_word.h"
 #include "cli/commands.h"
+#include "cli/exit_codes.h"
 #include "cli/render_command.h"
 #include "cli/session.h"
 #include "cli/user_edits.h"
+#include "cli/workbook_commands.h"
 #include "cli/workbook_file.h"
 #include "values/values.h"
 
 namespace fs = std::filesystem;
 
 namespace {
-
-// Exit codes, as --help lists them.
-enum ExitCode {
-    kSuccess = 0,
-    kUsageError = 2,
-    kWorkbookError = 3,
-    kNotBuilt = 4,
-    kUnusableSettings = 5,
-};
-
-constexpr const char* kExitCodes =
-    "Exit codes: 0 done; 2 wrong usage; 3 the workbook cannot be read or written; 4 the command's "
-    "engine part is not built yet; 5 the workbook's settings cannot be used.";
 
 struct CommonOptions {
     std::vector<sheethost::UserEdit> userEdits;
@@ -43,7 +32,7 @@ struct CommonOptions {
     std::optional<std::string> filterSpec;
 };
 
-void AddCommonOptions(CLI::App& command, CommonOptions& options) {
+void AddCommonOptions(CLI::App& command, CommonOptions& options, bool withRows) {
     command.add_option("WORKBOOK", options.workbook, "The workbook (.xlsx, .xlsm or .json)")
         ->required()
         ->check(CLI::ExistingFile);
@@ -52,8 +41,11 @@ void AddCommonOptions(CLI::App& command, CommonOptions& options) {
     command.add_flag("--overwrite", options.overwrite, "Allow the output to replace the input");
     command.add_option("--now", options.now,
                        "Pin the current date and time, \"YYYY-MM-DD HH:MM\" (default: the clock)");
-    command.add_option("--rows", options.rows,
-                       "The selected task rows FIRST:LAST, which the moves work on");
+    if (withRows) {
+        command.add_option("--rows", options.rows,
+                           "The selected task rows FIRST:LAST (sheet row numbers, such as 12:14), "
+                           "which the command works on");
+    }
 }
 
 void AddFilterSpecOption(CLI::App& command, CommonOptions& options) {
@@ -92,19 +84,16 @@ int Run(const CommonOptions& options, const std::vector<CommandCall>& calls) {
     }
     session.filterSpec = options.filterSpec;
     session.userEdits = options.userEdits;
-    // A path the file system cannot look at (too long, a loop of links) is no input: the write
-    // below reports it.
-    std::error_code unreadable;
     if (!options.output.empty() && !options.overwrite &&
-        fs::equivalent(options.output, options.workbook, unreadable)) {
+        WouldReplaceInput(options.output, options.workbook)) {
         std::cerr << "vantora: the output would replace the input workbook; give --overwrite to "
                      "allow it\n";
         return kUsageError;
     }
     try {
         const auto book = ReadWorkbookFile(options.workbook);
-        if (!RunEngineSession(book, calls, session)) {
-            return kUnusableSettings;
+        if (RefuseUnusable(*book) || !RunEngineSession(book, calls, session)) {
+            return kUnusableWorkbook;
         }
         for (const CommandCall& call : calls) {
             std::cout << "ran " << call.command->name << '\n';
@@ -126,12 +115,89 @@ int Run(const CommonOptions& options, const std::vector<CommandCall>& calls) {
     return kSuccess;
 }
 
+// --rows given to an engine command that does not work on the selection: says which ones do.
+std::string MisplacedRows(int argc, char** argv) {
+    const EngineCommand* command = argc > 1 ? FindEngineCommand(argv[1]) : nullptr;
+    if (command == nullptr || command->usesSelection) return {};
+    const bool rows = std::any_of(argv + 2, argv + argc, [](const char* argument) {
+        return std::string_view(argument).starts_with("--rows");
+    });
+    if (!rows) return {};
+    std::string selectionCommands;
+    for (const EngineCommand& other : EngineCommands()) {
+        if (!other.usesSelection) continue;
+        selectionCommands += (selectionCommands.empty() ? "" : ", ") + std::string(other.name);
+    }
+    return std::string(command->name) + " works on the whole task table, not on selected rows; " +
+           "--rows is for " + selectionCommands;
+}
+
+bool HasSubcommand(const CLI::App& app, std::string_view name) {
+    const auto commands = app.get_subcommands([](const CLI::App*) { return true; });
+    return std::any_of(commands.begin(), commands.end(),
+                       [&](const CLI::App* command) { return command->get_name() == name; });
+}
+
+// new, check and convert: registered with the parser, run after it.
+struct WorkbookCommands {
+    CLI::App* newCommand;
+    CLI::App* check;
+    CLI::App* convert;
+    std::shared_ptr<NewOptions> newOptions = std::make_shared<NewOptions>();
+    std::shared_ptr<CommonOptions> options = std::make_shared<CommonOptions>();
+
+    std::optional<int> Run() const {
+        if (newCommand->parsed()) return RunNew(*newOptions);
+        if (check->parsed()) return RunCheck(options->workbook);
+        if (convert->parsed())
+            return RunConvert(options->workbook, options->output, options->overwrite);
+        return std::nullopt;
+    }
+};
+
+WorkbookCommands AddWorkbookCommands(CLI::App& app) {
+    WorkbookCommands commands{
+        app.add_subcommand("new", "Make a blank project workbook, ready for your tasks"),
+        app.add_subcommand(
+            "check",
+            "Tell what makes a workbook unusable or surprising, with the sheet, cell "
+            "or row"),
+        app.add_subcommand("convert",
+                           "Write the workbook as another kind of file (.xlsx, .xlsm or .json) "
+                           "without running any command"),
+    };
+    NewOptions& made = *commands.newOptions;
+    commands.newCommand->add_option("FILE", made.file, "The new workbook (.xlsx, .xlsm or .json)")
+        ->required();
+    commands.newCommand->add_option("--start", made.start,
+                                    "The first working day, YYYY-MM-DD (default: today)");
+    commands.newCommand
+        ->add_option("--days", made.workingDays,
+                     "How many working days (Monday to Friday) the calendar holds; each "
+                     "top-level task takes one")
+        ->capture_default_str();
+    commands.newCommand->add_flag("--overwrite", made.overwrite, "Replace FILE if it exists");
+    CommonOptions& options = *commands.options;
+    for (CLI::App* command : {commands.check, commands.convert}) {
+        command->add_option("WORKBOOK", options.workbook, "The workbook (.xlsx, .xlsm or .json)")
+            ->required()
+            ->check(CLI::ExistingFile);
+    }
+    commands.convert->add_option("-o,--output", options.output, "The file to write")->required();
+    commands.convert->add_flag("--overwrite", options.overwrite,
+                               "Allow the output to replace the input");
+    return commands;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
-    CLI::App app{"Runs the Vantora scheduling engine's commands on a workbook file."};
+    CLI::App app{
+        "Runs the Vantora scheduling engine's commands on a workbook file. Start with "
+        "'vantora new project.xlsx', type your tasks, then 'vantora check project.xlsx'."};
     app.footer(kExitCodes);
     app.require_subcommand(1);
+    app.set_version_flag("--version", "vantora " VANTORA_VERSION);
 
     CommonOptions options;
     std::vector<CommandCall> calls;
@@ -140,7 +206,7 @@ int main(int argc, char** argv) {
     parsed.reserve(EngineCommands().size());
     for (const EngineCommand& command : EngineCommands()) {
         CLI::App* sub = app.add_subcommand(command.name, command.help);
-        AddCommonOptions(*sub, options);
+        AddCommonOptions(*sub, options, command.usesSelection);
         CommandCall& call = parsed.emplace_back(CommandCall{&command, {}});
         call.arguments.resize(command.arguments.size());
         for (std::size_t i = 0; i < command.arguments.size(); ++i) {
@@ -168,7 +234,7 @@ int main(int argc, char** argv) {
         "run",
         "Run several commands in one engine lifetime, in order, as the workbook's macros "
         "would call them one after another");
-    AddCommonOptions(*run, options);
+    AddCommonOptions(*run, options, true);
     AddFilterSpecOption(*run, options);
     std::vector<std::string> words;
     run->add_option("COMMAND", words,
@@ -189,7 +255,7 @@ int main(int argc, char** argv) {
     RenderRequest renderRequest;
     const CLI::App* render = AddRenderCommand(app, renderRequest);
     CLI::App* edit = app.add_subcommand("edit", kEditHelp);
-    AddCommonOptions(*edit, options);
+    AddCommonOptions(*edit, options, false);
     AddUserEditOptions(*edit);
     edit->callback([&] {
         auto edits = UserEditsInOrder(*edit, parseError);
@@ -199,14 +265,31 @@ int main(int argc, char** argv) {
         options.userEdits = std::move(*edits);
     });
 
+    const WorkbookCommands workbookCommands = AddWorkbookCommands(app);
+
+    if (argc > 1 && argv[1][0] != '-' && !HasSubcommand(app, argv[1])) {
+        std::cerr << "vantora: " << UnknownCommand(argv[1]) << '\n';
+        return kUsageError;
+    }
+    if (const std::string misplaced = MisplacedRows(argc, argv); !misplaced.empty()) {
+        std::cerr << "vantora: " << misplaced << '\n';
+        return kUsageError;
+    }
     try {
         app.parse(argc, argv);
+    } catch (const CLI::Success& done) {
+        return app.exit(done);
     } catch (const CLI::ParseError& error) {
-        const int code = app.exit(error);
-        return code == 0 ? kSuccess : kUsageError;
+        const std::string text = error.what();
+        std::cerr << "vantora: " << text
+                  << (text.find("--help") == std::string::npos ? " (vantora --help shows the usage)"
+                                                               : "")
+                  << '\n';
+        return kUsageError;
     }
     if (render->parsed()) {
         return RunRender(renderRequest) ? kSuccess : kWorkbookError;
     }
+    if (const auto code = workbookCommands.Run()) return *code;
     return Run(options, calls);
 }

@@ -16,7 +16,7 @@
 namespace {
 
 void PrintMessage(const OLECHAR* text, UINT) {
-    std::cerr << Narrow(text) << '\n';
+    std::cerr << "vantora: " << Narrow(text) << '\n';
 }
 
 void SelectRows(sheethost::Workbook& book, RowSpan rows) {
@@ -50,8 +50,8 @@ struct HostReference {
 
 }  // namespace
 
-bool RunEngineSession(const std::shared_ptr<sheethost::Workbook>& book,
-                      std::span<const CommandCall> calls, const SessionOptions& options) {
+bool WithPrimedEngine(const std::shared_ptr<sheethost::Workbook>& book,
+                      const SessionOptions& options, const std::function<void()>& body) {
     if (options.selectedRows) {
         SelectRows(*book, *options.selectedRows);
     }
@@ -69,13 +69,20 @@ bool RunEngineSession(const std::shared_ptr<sheethost::Workbook>& book,
         LoadResources();
         TaskTable_Load();
         WarnAboutTaskRowsPastTheLimit();
-        for (const CommandCall& call : calls) {
-            call.command->run(call.arguments);
-        }
-        ReplayUserEdits(book, options.userEdits);
+        body();
     }
     kpQuit();
     kpSetMessageReceiver(nullptr);
     kpSetStatusDate(0);
     return usable;
+}
+
+bool RunEngineSession(const std::shared_ptr<sheethost::Workbook>& book,
+                      std::span<const CommandCall> calls, const SessionOptions& options) {
+    return WithPrimedEngine(book, options, [&] {
+        for (const CommandCall& call : calls) {
+            call.command->run(call.arguments);
+        }
+        ReplayUserEdits(book, options.userEdits);
+    });
 }

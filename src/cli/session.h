@@ -2,6 +2,7 @@
 // kpInit, kpSetWorkBook, the commands in order, kpQuit.
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <span>
@@ -40,3 +41,7 @@ struct SessionOptions {
 // when the workbook's settings cannot be used (the user has been told why).
 bool RunEngineSession(const std::shared_ptr<sheethost::Workbook>& book,
                       std::span<const CommandCall> calls, const SessionOptions& options);
+
+// The same engine lifetime around `body` instead of a list of commands.
+bool WithPrimedEngine(const std::shared_ptr<sheethost::Workbook>& book,
+                      const SessionOptions& options, const std::function<void()>& body);

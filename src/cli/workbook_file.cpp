@@ -81,3 +81,8 @@ void WriteWorkbookFile(const sheethost::Workbook& book, const fs::path& source,
         throw WorkbookFileError(path.string() + ": " + error.what());
     }
 }
+
+bool WouldReplaceInput(const fs::path& output, const fs::path& input) {
+    std::error_code error;
+    return fs::exists(output, error) && fs::equivalent(output, input, error);
+}

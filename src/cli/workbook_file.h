@@ -22,3 +22,6 @@ std::shared_ptr<sheethost::Workbook> ReadWorkbookFile(const std::filesystem::pat
 // .xlsx/.xlsm keeps every part of it that the host does not model (macros, themes, drawings, ...).
 void WriteWorkbookFile(const sheethost::Workbook& book, const std::filesystem::path& source,
                        const std::filesystem::path& path);
+
+// True when writing `output` would replace the workbook file `input` (the same file, by any path).
+bool WouldReplaceInput(const std::filesystem::path& output, const std::filesystem::path& input);

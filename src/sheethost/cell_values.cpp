@@ -128,6 +128,12 @@ bool TypeIntoCell(Sheet& sheet, int row, int column, std::string_view text) {
         SetConstant(sheet, row, column, std::string(text.substr(1)), true);
         return true;
     }
+    // A cell formatted as text keeps what is typed into it as it stands: "1.10" stays "1.10" and
+    // "=A1" is not a formula, as the spreadsheet does.
+    if (EffectiveStyle(sheet, row, column).numberFormat == "@") {
+        SetConstant(sheet, row, column, std::string(text), false);
+        return true;
+    }
     if (text.front() == '=' && text.size() > 1) {
         if (!IsWellFormedFormula(text)) return false;
         Cell& cell = CellAt(sheet, row, column);

@@ -188,6 +188,17 @@ struct Area {
     bool operator==(const Area&) const = default;
 };
 
+// How a sheet prints.
+struct PageSetup {
+    bool landscape = false;
+    // The print shrinks to fit this many pages across and down; 0 leaves that direction free, and
+    // both 0 print at full size.
+    int fitToPagesWide = 0;
+    int fitToPagesTall = 0;
+
+    bool operator==(const PageSetup&) const = default;
+};
+
 struct Sheet {
     std::string name;
     std::string codeName;
@@ -198,7 +209,11 @@ struct Sheet {
     // The selection as areas, and the active cell.
     std::vector<Area> selection = std::vector<Area>(1);
     CellRef activeCell;
-    int zoom = 100;                              // of the window showing this sheet
+    int zoom = 100;  // of the window showing this sheet
+    // The first cell that scrolls: the rows above it and the columns left of it are frozen panes.
+    // A1 when nothing is frozen.
+    CellRef frozenAt;
+    PageSetup pageSetup;
     std::vector<std::shared_ptr<Shape>> shapes;  // in z-order, back to front
     std::vector<std::shared_ptr<Chart>> charts;
 };

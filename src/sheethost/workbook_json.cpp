@@ -54,6 +54,18 @@ constexpr int kMaxRowsAtOnce = 65536;
 // makes of values could exhaust the stack.
 constexpr int kMaxNesting = 64;
 
+// The whole number at `key`, `fallback` when absent; `what` names it in the fault of a fraction or
+// a number outside `least` to `most`.
+int WholeNumber(const json& entry, const char* key, int fallback, int least, int most,
+                const std::string& where, const std::string& what) {
+    const double number = OptionalNumber(entry, key, where).value_or(fallback);
+    if (!(number >= least && number <= most) || number != std::floor(number)) {
+        Fail(where + "." + key, what + " is a whole number from " + std::to_string(least) + " to " +
+                                    std::to_string(most));
+    }
+    return static_cast<int>(number);
+}
+
 // Whole numbers are written without a fraction, so 15 and 15.0 dump alike.
 json Number(double value) {
     if (std::isfinite(value) && value == std::floor(value) && std::fabs(value) < 1e15) {
@@ -337,8 +349,8 @@ void ReadCell(Sheet& sheet, const std::string& address, const json& entry,
 std::shared_ptr<Sheet> ReadSheet(const Workbook& book, const json& entry, const StyleReader& styles,
                                  const std::string& where) {
     CheckKeys(entry,
-              {"name", "codeName", "zoom", "selection", "activeCell", "columns", "rows", "cells",
-               "formats", "names", "shapes", "charts"},
+              {"name", "codeName", "zoom", "selection", "activeCell", "freezePanes", "pageSetup",
+               "columns", "rows", "cells", "formats", "names", "shapes", "charts"},
               where, false);
     auto sheet = std::make_shared<Sheet>();
     At(where + ".name", [&] { sheet->name = entry.at("name").get<std::string>(); });
@@ -348,11 +360,29 @@ std::shared_ptr<Sheet> ReadSheet(const Workbook& book, const json& entry, const 
              "at either end");
     }
     At(where + ".codeName", [&] { sheet->codeName = entry.value("codeName", sheet->name); });
-    const double zoom = At(where + ".zoom", [&] { return entry.value("zoom", 100.0); });
-    if (!(zoom >= 10 && zoom <= 400) || zoom != std::floor(zoom)) {
-        Fail(where + ".zoom", "a zoom is a whole number from 10 to 400");
+    sheet->zoom = WholeNumber(entry, "zoom", 100, 10, 400, where, "a zoom");
+    if (entry.contains("freezePanes")) {
+        const auto cell = ParseArea(
+            At(where + ".freezePanes", [&] { return entry["freezePanes"].get<std::string>(); }));
+        if (!cell || cell->Rows() != 1 || cell->Columns() != 1) Fail(where, "bad freezePanes");
+        sheet->frozenAt = CellRef{cell->top, cell->left};
     }
-    sheet->zoom = static_cast<int>(zoom);
+    if (entry.contains("pageSetup")) {
+        const std::string at = where + ".pageSetup";
+        const json& page = entry["pageSetup"];
+        CheckKeys(page, {"orientation", "fitToPagesWide", "fitToPagesTall"}, at, false);
+        const std::string orientation =
+            At(at + ".orientation", [&] { return page.value("orientation", "portrait"); });
+        if (orientation != "portrait" && orientation != "landscape") {
+            Fail(at, "orientation must be portrait or landscape");
+        }
+        sheet->pageSetup.landscape = orientation == "landscape";
+        // The spreadsheet shrinks a sheet onto at most 32767 pages each way; 0 leaves it free.
+        sheet->pageSetup.fitToPagesWide =
+            WholeNumber(page, "fitToPagesWide", 0, 0, 32767, at, "a page count");
+        sheet->pageSetup.fitToPagesTall =
+            WholeNumber(page, "fitToPagesTall", 0, 0, 32767, at, "a page count");
+    }
 
     // value() answers a temporary: keep it alive for the loop over its items.
     const json columns = entry.value("columns", json::object());
@@ -579,7 +609,7 @@ json SheetJson(const Sheet& sheet, StyleTable& styles) {
     json charts = json::array();
     for (const auto& chart : sheet.charts) charts.push_back(ChartToJson(*chart));
     const CellRef active = sheet.activeCell;
-    return {
+    json entry = {
         {"name", sheet.name},
         {"codeName", sheet.codeName},
         {"zoom", sheet.zoom},
@@ -592,6 +622,17 @@ json SheetJson(const Sheet& sheet, StyleTable& styles) {
         {"shapes", std::move(shapes)},
         {"charts", std::move(charts)},
     };
+    // Written only when set, so the dumps of sheets without them stay as they were.
+    if (sheet.frozenAt != CellRef{}) {
+        entry["freezePanes"] =
+            ColumnLetters(sheet.frozenAt.column) + std::to_string(sheet.frozenAt.row);
+    }
+    if (sheet.pageSetup != PageSetup{}) {
+        entry["pageSetup"] = {{"orientation", sheet.pageSetup.landscape ? "landscape" : "portrait"},
+                              {"fitToPagesWide", sheet.pageSetup.fitToPagesWide},
+                              {"fitToPagesTall", sheet.pageSetup.fitToPagesTall}};
+    }
+    return entry;
 }
 
 }  // namespace

@@ -17,6 +17,17 @@ void UpdatePass();
 // colours and, for a top-level summary, the roll-up formulas of its whole subtree.
 void UpdateTask(TaskRecord& task);
 
+// One piece of a predecessors cell: the task it names (by code or WBS number) and the link type.
+struct LinkReference {
+    std::string reference;
+    std::string type;
+};
+
+// "3ss" names task 3 with an "SS" link; a piece ending in a digit ("3", "1.2") has no type and is
+// a finish-to-start link. Any other ending is taken as a type, so "Design" reads as type "GN" on
+// "Desi". Characters are counted as the host counts them (UTF-16 units), not as bytes.
+LinkReference ParseLink(std::string_view piece);
+
 // Checks every predecessor named in the task's predecessors cell ("3", "3ss", "Design,1.2FF"):
 // sets `dependencyError` when one of the links is violated, clears it otherwise. Unknown
 // references are skipped silently.

@@ -5,14 +5,13 @@
 
 namespace {
 
-struct LinkReference {
-    std::string reference;
-    std::string type;
-};
+// The first value is to be at least the second; a value that is not a number fails too.
+bool Violates(double first, double second) {
+    return !(first >= second);
+}
 
-// "3ss" names task 3 with an "SS" link; a piece ending in a digit ("3", "1.2") has no type and is
-// a finish-to-start link. Any other ending is taken as a type, so "Design" reads as type "GN" on
-// "Desi". Characters are counted as the host counts them (UTF-16 units), not as bytes.
+}  // namespace
+
 LinkReference ParseLink(std::string_view piece) {
     const WideString wide = Widen(piece);
     const std::size_t typeStart = wide.size() < 2 ? 0 : wide.size() - 2;
@@ -27,13 +26,6 @@ LinkReference ParseLink(std::string_view piece) {
     }
     return {Narrow(wide.substr(0, typeStart)), Narrow(type)};
 }
-
-// The first value is to be at least the second; a value that is not a number fails too.
-bool Violates(double first, double second) {
-    return !(first >= second);
-}
-
-}  // namespace
 
 void CheckPredecessors(TaskRecord& successor) {
     successor.dependencyError = 0;

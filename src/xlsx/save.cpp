@@ -1,6 +1,7 @@
 // Writing the in-memory workbook back into its package.
 #include <algorithm>
 #include <array>
+#include <cctype>
 #include <map>
 #include <set>
 #include <string_view>
@@ -20,6 +21,21 @@ namespace {
 
 constexpr std::string_view kStylesContentType =
     "application/vnd.openxmlformats-officedocument.spreadsheetml.styles+xml";
+
+// The workbook part's content type is what tells the spreadsheet program whether the package may
+// hold macros: it refuses to open an .xlsm whose workbook says otherwise, and the reverse.
+constexpr std::string_view kWorkbookContentType =
+    "application/vnd.openxmlformats-officedocument.spreadsheetml.sheet.main+xml";
+constexpr std::string_view kMacroWorkbookContentType =
+    "application/vnd.ms-excel.sheet.macroEnabled.main+xml";
+constexpr std::string_view kVbaProjectType =
+    "http://schemas.microsoft.com/office/2006/relationships/vbaProject";
+
+bool IsMacroFile(const std::filesystem::path& target) {
+    std::string extension = target.extension().string();
+    for (char& c : extension) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+    return extension == ".xlsm";
+}
 
 constexpr std::array<std::string_view, 12> kWorkbookOrder{
     "fileVersion",  "fileSharing", "workbookPr",     "workbookProtection",
@@ -205,6 +221,16 @@ void SaveXlsx(const sheethost::Workbook& book, const std::filesystem::path& sour
     pugi::xml_document workbookDocument;
     WorkbookParts parts = LocateParts(package, workbookDocument);
     WorkbookEditor editor(package, parts.workbookPart);
+    const bool macroFile = IsMacroFile(target);
+    const bool hasMacros = std::any_of(
+        parts.relationships.begin(), parts.relationships.end(),
+        [](const Relationship& relationship) { return relationship.type == kVbaProjectType; });
+    if (hasMacros && !macroFile) {
+        throw XlsxError("the workbook has macros, which would be lost in \"" + target.string() +
+                        "\"; save it as a macro-enabled .xlsm file");
+    }
+    editor.types.Override(parts.workbookPart,
+                          macroFile ? kMacroWorkbookContentType : kWorkbookContentType);
 
     pugi::xml_document stylesDocument;
     if (const Part* styles = package.Find(parts.stylesPart)) {

@@ -7,6 +7,7 @@
 
 #include "sheethost/address.h"
 #include "sheethost/formula.h"
+#include "xlsx/page_setup.h"
 #include "xlsx/sheet_view.h"
 #include "xlsx/xlsx.h"
 #include "xlsx/xml.h"
@@ -194,6 +195,7 @@ void ReadWorksheet(const pugi::xml_node& worksheet, const std::vector<std::strin
     reader.ReadColumns(Child(worksheet, "cols"));
     reader.ReadRows(Child(worksheet, "sheetData"));
     ReadSheetView(worksheet, sheet);
+    ReadPageSetup(worksheet, sheet);
 }
 
 }  // namespace xlsx

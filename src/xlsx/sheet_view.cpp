@@ -2,10 +2,12 @@
 
 #include <algorithm>
 #include <array>
+#include <optional>
 #include <string>
 #include <string_view>
 
 #include "sheethost/address.h"
+#include "sheethost/formula.h"
 #include "xlsx/sheet_read.h"
 #include "xlsx/sheet_write.h"
 #include "xlsx/xml.h"
@@ -28,6 +30,46 @@ pugi::xml_node ActiveSelection(pugi::xml_node view) {
     return {};
 }
 
+bool IsFrozen(pugi::xml_node pane) {
+    const std::string_view state = pane.attribute("state").value();
+    return pane && (state == "frozen" || state == "frozenSplit");
+}
+
+// The splits count the frozen rows and columns; the pane's top-left cell is only where the
+// scrolling pane has been scrolled to. Splits that leave no cell of the sheet below or right of
+// them freeze nothing.
+std::optional<sheethost::CellRef> FrozenAt(pugi::xml_node pane) {
+    const int rows = pane.attribute("ySplit").as_int(0);
+    const int columns = pane.attribute("xSplit").as_int(0);
+    if (rows < 0 || rows >= sheethost::kMaxRow || columns < 0 || columns >= sheethost::kMaxColumn) {
+        return std::nullopt;
+    }
+    return sheethost::CellRef{rows + 1, columns + 1};
+}
+
+// Frozen rows above and columns left of `frozenAt`. The pane below and right of them is the active
+// one and holds the selection. A split that is not frozen stays as the file has it.
+void WriteFrozenPane(pugi::xml_node view, sheethost::CellRef frozenAt) {
+    pugi::xml_node pane = Child(view, "pane");
+    const bool frozen = frozenAt != sheethost::CellRef{};
+    if (IsFrozen(pane) ? FrozenAt(pane) == frozenAt : !frozen) return;
+    // Each pane has a selection of its own; the old ones belong to the old panes.
+    for (pugi::xml_node selection : Children(view, "selection")) view.remove_child(selection);
+    if (pane) view.remove_child(pane);
+    if (!frozen) return;
+    pane = InsertInOrder(view, "pane", kSheetViewOrder);
+    if (frozenAt.column > 1) pane.append_attribute("xSplit").set_value(frozenAt.column - 1);
+    if (frozenAt.row > 1) pane.append_attribute("ySplit").set_value(frozenAt.row - 1);
+    pane.append_attribute("topLeftCell")
+        .set_value(
+            SqrefText({{frozenAt.row, frozenAt.column, frozenAt.row, frozenAt.column}}).c_str());
+    const char* active = frozenAt.row == 1      ? "topRight"
+                         : frozenAt.column == 1 ? "bottomLeft"
+                                                : "bottomRight";
+    pane.append_attribute("activePane").set_value(active);
+    pane.append_attribute("state").set_value("frozen");
+}
+
 }  // namespace
 
 void ReadSheetView(pugi::xml_node worksheet, sheethost::Sheet& sheet) {
@@ -35,6 +77,9 @@ void ReadSheetView(pugi::xml_node worksheet, sheethost::Sheet& sheet) {
     if (!view) return;
     const int zoom = view.attribute("zoomScale").as_int(100);
     if (zoom >= 10 && zoom <= 400) sheet.zoom = zoom;
+    if (const pugi::xml_node pane = Child(view, "pane"); IsFrozen(pane)) {
+        sheet.frozenAt = FrozenAt(pane).value_or(sheethost::CellRef{});
+    }
     pugi::xml_node selection = ActiveSelection(view);
     if (!selection) return;
     if (const auto active = sheethost::ParseArea(selection.attribute("activeCell").value())) {
@@ -62,6 +107,7 @@ void WriteSheetView(pugi::xml_node worksheet, const sheethost::Sheet& sheet, boo
     // The spreadsheet opens no view outside 10% to 400%.
     const int zoom = std::clamp(sheet.zoom, 10, 400);
     if (zoom != 100) view.append_attribute("zoomScale").set_value(zoom);
+    WriteFrozenPane(view, sheet.frozenAt);
 
     pugi::xml_node selection = ActiveSelection(view);
     const bool standard = sheet.activeCell == sheethost::CellRef{} && sheet.selection.size() == 1 &&

@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "sheethost/formula.h"
+#include "xlsx/page_setup.h"
 #include "xlsx/sheet_read.h"
 #include "xlsx/sheet_view.h"
 #include "xlsx/xml.h"
@@ -180,6 +181,7 @@ void WriteWorksheet(pugi::xml_node worksheet, const sheethost::Sheet& sheet, Sty
     // The used range changes with the cells; the spreadsheet recomputes it when it is absent.
     if (pugi::xml_node dimension = Child(worksheet, "dimension")) worksheet.remove_child(dimension);
     WriteSheetView(worksheet, sheet, active);
+    WritePageSetup(worksheet, sheet);
     WorksheetWriter writer(sheet, styles, sharedStrings);
     writer.WriteColumns(worksheet);
     writer.WriteRows(EnsureChild(worksheet, "sheetData", kWorksheetOrder));

@@ -3,9 +3,9 @@
 // Saving rewrites only what the host models (cells, formulas, formats, conditional formats, rows
 // and columns, sheets and their zoom and selection, defined names, shapes and embedded charts)
 // and carries every other part of the source package (macros, custom UI, themes, printer
-// settings, pictures, comments, ...) and every element it does not model (panes, data
-// validations, page setup, ...) through unchanged, byte for byte for whole parts. Parts that only
-// a deleted sheet led to (its drawing, charts and pictures) go with it.
+// settings, pictures, comments, ...) and every element it does not model (split panes, data
+// validations, margins, paper, ...) through unchanged, byte for byte for whole parts. Parts that
+// only a deleted sheet led to (its drawing, charts and pictures) go with it.
 //
 // Errors: every failure throws XlsxError with a message fit for the user. A file that is not a
 // workbook package, is corrupt, encrypted, or too large when unpacked (a zip bomb) is refused

@@ -16,7 +16,8 @@ constexpr const char* kFixture = R"json({
                         "horizontalAlignment": -4108}},
   "sheets": [
     {"name": "WBS", "codeName": "wsWBS", "zoom": 85, "selection": "B5:C6,E2",
-     "activeCell": "C6",
+     "activeCell": "C6", "freezePanes": "W5",
+     "pageSetup": {"orientation": "landscape", "fitToPagesWide": 0, "fitToPagesTall": 1},
      "columns": {"A": {"width": 2.5}, "D:E": {"hidden": true, "style": "header"}},
      "rows": {"5": {"height": 18.75, "hidden": true}, "6:7": {"style": {"font": {"bold": true}}}},
      "cells": {
@@ -52,6 +53,9 @@ TEST(JsonTest, LoadsEveryPartOfTheDescription) {
     EXPECT_EQ(wbs.zoom, 85);
     EXPECT_EQ(wbs.selection.size(), 2u);
     EXPECT_EQ(wbs.activeCell, (sheethost::CellRef{6, 3}));
+    EXPECT_EQ(wbs.frozenAt, (sheethost::CellRef{5, 23}));
+    EXPECT_EQ(wbs.pageSetup, (sheethost::PageSetup{true, 0, 1}));
+    EXPECT_EQ(book->sheets[1]->frozenAt, sheethost::CellRef{});
     EXPECT_EQ(wbs.columns.at(1).width, 2.5);
     EXPECT_TRUE(wbs.columns.at(5).hidden);
     EXPECT_EQ(wbs.columns.at(4).style->interior.colorIndex, 35);
@@ -93,6 +97,12 @@ TEST(JsonTest, DumpIsCanonicalAndRoundTrips) {
     EXPECT_NE(dump.find("\"C3\": 5\n"), std::string::npos);
     EXPECT_NE(dump.find("\"height\": 18.75"), std::string::npos);
     EXPECT_EQ(nlohmann::json::parse(dump).at("styles").size(), 7u);
+    EXPECT_EQ(second->sheets[0]->frozenAt, first->sheets[0]->frozenAt);
+    EXPECT_EQ(second->sheets[0]->pageSetup, first->sheets[0]->pageSetup);
+    // A sheet without panes or page setup dumps neither.
+    const nlohmann::json settings = nlohmann::json::parse(dump).at("sheets").at(1);
+    EXPECT_FALSE(settings.contains("freezePanes"));
+    EXPECT_FALSE(settings.contains("pageSetup"));
 }
 
 TEST(JsonTest, ChangesMadeThroughTheObjectsSurviveTheRoundTrip) {
@@ -130,6 +140,10 @@ TEST(JsonTest, NamesTheFaultOfABadDescription) {
               "sheets[0].cells.A1: unknown style 'nope'");
     EXPECT_EQ(refused(R"json({"sheets":[{"name":"A","cells":{"A1":{"font":{"colour":3}}}}]})json"),
               "sheets[0].cells.A1.font: unknown style property 'colour'");
+    EXPECT_EQ(refused(R"json({"sheets":[{"name":"A","freezePanes":"B2:C3"}]})json"),
+              "sheets[0]: bad freezePanes");
+    EXPECT_EQ(refused(R"json({"sheets":[{"name":"A","pageSetup":{"orientation":"wide"}}]})json"),
+              "sheets[0].pageSetup: orientation must be portrait or landscape");
     EXPECT_EQ(refused(R"json({"sheets":[]})json"), "sheets: a workbook has at least one sheet");
     EXPECT_FALSE(refused("{not json").empty());
 }

@@ -19,7 +19,8 @@ class RangeValuesTest : public hosttest::HostTest {
         Load(R"json({"sheets":[{"name":"WBS","cells":{
                    "A1":{"value":3,"numberFormat":"yyyy/mm/dd"},
                    "H6":{"date":"2024-04-01"},
-                   "H7":5, "H8":"text", "H9":true}}]})json");
+                   "H7":5, "H8":"text", "H9":true},
+                   "columns":{"T":{"style":{"numberFormat":"@"}}}}]})json");
         sheet = Sheet("WBS");
     }
 
@@ -60,6 +61,21 @@ TEST_F(RangeValuesTest, TextPutIntoValueIsReadAsIfTyped) {
     Type("B3", "");
     EXPECT_EQ(TypeAt("B3"), VT_EMPTY);
     EXPECT_EQ(Read("B3"), "");
+}
+
+TEST_F(RangeValuesTest, ACellFormattedAsTextKeepsWhatIsTypedAsText) {
+    for (const char* typed : {"1.10", "007", "TRUE", "2024/03/01", "=T1", "#N/A"}) {
+        SCOPED_TRACE(typed);
+        Type("T5", typed);
+        EXPECT_EQ(TypeAt("T5"), VT_BSTR);
+        EXPECT_EQ(Read("T5"), typed);
+    }
+    Type("T5", "'1.10");
+    EXPECT_EQ(Read("T5"), "1.10") << "the apostrophe still only marks text";
+    Type("T5", "");
+    EXPECT_EQ(TypeAt("T5"), VT_EMPTY);
+    Type("U5", "1.10");
+    EXPECT_EQ(TypeAt("U5"), VT_R8) << "beside the text column, typing still reads numbers";
 }
 
 TEST_F(RangeValuesTest, DatesReadAsDatesOnlyInADateFormat) {

@@ -5,6 +5,7 @@
 #include "package_files.h"
 #include "sample_workbook.h"
 #include "sheethost/model.h"
+#include "sheethost/sheethost.h"
 #include "xlsx/xlsx.h"
 
 namespace xlsx::testing {
@@ -49,6 +50,49 @@ TEST(SheetView, TheActivePanesSelectionIsReadAndWrittenAndTheOtherPanesStay) {
     EXPECT_EQ(again->sheets[0]->zoom, 100);
     EXPECT_EQ(again->sheets[0]->activeCell, sheet.activeCell);
     EXPECT_EQ(again->sheets[0]->selection, sheet.selection);
+    EXPECT_EQ(again->sheets[0]->frozenAt, (sheethost::CellRef{4, 3}));
+}
+
+TEST(SheetView, FrozenPanesAndThePageSetupGoToTheFileAndBack) {
+    TempFolder folder;
+    auto book = sheethost::NewWorkbook();
+    sheethost::Sheet& sheet = *book->sheets[0];
+    sheet.frozenAt = {5, 23};
+    sheet.selection = {{5, 3, 5, 3}};
+    sheet.activeCell = {5, 3};
+    sheet.pageSetup = {true, 0, 1};
+    SaveXlsx(*book, {}, folder / "plan.xlsx");
+    const std::string xml = ReadPart(folder / "plan.xlsx", "xl/worksheets/sheet1.xml");
+    EXPECT_NE(xml.find(R"(<pane xSplit="22" ySplit="4" topLeftCell="W5" activePane="bottomRight" )"
+                       R"(state="frozen"/><selection pane="bottomRight" activeCell="C5")"),
+              std::string::npos)
+        << xml;
+    EXPECT_NE(xml.find(R"(<pageSetUpPr fitToPage="1"/>)"), std::string::npos) << xml;
+    EXPECT_NE(xml.find(R"(<pageSetup orientation="landscape" fitToWidth="0" fitToHeight="1"/>)"),
+              std::string::npos)
+        << xml;
+
+    auto again = LoadXlsx(folder / "plan.xlsx");
+    EXPECT_EQ(again->sheets[0]->frozenAt, sheet.frozenAt);
+    EXPECT_EQ(again->sheets[0]->pageSetup, sheet.pageSetup);
+    EXPECT_EQ(again->sheets[0]->selection, sheet.selection);
+
+    // Rows only, then nothing frozen and printed as it comes: the pane and the fit go.
+    again->sheets[0]->frozenAt = {2, 1};
+    again->sheets[0]->pageSetup = {};
+    SaveXlsx(*again, folder / "plan.xlsx", folder / "rows.xlsx");
+    const std::string rows = ReadPart(folder / "rows.xlsx", "xl/worksheets/sheet1.xml");
+    EXPECT_NE(rows.find(R"(<pane ySplit="1" topLeftCell="A2" activePane="bottomLeft" )"),
+              std::string::npos)
+        << rows;
+    EXPECT_EQ(rows.find("fitToHeight"), std::string::npos) << rows;
+    EXPECT_EQ(rows.find("landscape"), std::string::npos) << rows;
+    auto rowsBook = LoadXlsx(folder / "rows.xlsx");
+    EXPECT_EQ(rowsBook->sheets[0]->pageSetup, sheethost::PageSetup{});
+    rowsBook->sheets[0]->frozenAt = {};
+    SaveXlsx(*rowsBook, folder / "rows.xlsx", folder / "none.xlsx");
+    EXPECT_EQ(ReadPart(folder / "none.xlsx", "xl/worksheets/sheet1.xml").find("<pane"),
+              std::string::npos);
 }
 
 }  // namespace
