@@ -1,13 +1,13 @@
 #include "wbs/task_table.h"
 
 #include <algorithm>
-#include <cctype>
 #include <memory>
 #include <vector>
 
 #include "calendar/task_tests.h"
 #include "core/engine_state.h"
 #include "settings/settings.h"
+#include "values/case_fold.h"
 #include "values/values.h"
 #include "workbook/workbook.h"
 
@@ -65,11 +65,6 @@ class NameCells {
     std::int64_t firstRow_;
     std::vector<CellValues> blocks_;
 };
-
-bool EqualIgnoringCase(std::string_view a, std::string_view b) {
-    return std::ranges::equal(
-        a, b, [](unsigned char x, unsigned char y) { return std::toupper(x) == std::toupper(y); });
-}
 
 // Places a time of day read from the task sheet on the task's calendar day. A time earlier than the
 // day's working start belongs to the next calendar day: the working period runs past midnight.
@@ -248,7 +243,7 @@ TaskRecord* Tasks_ByWbs(std::string_view wbsText) {
 
 TaskRecord* Tasks_ByCode(std::string_view code) {
     for (TaskRecord* task = Tasks_First(); task != nullptr; task = Tasks_Next(*task)) {
-        if (EqualIgnoringCase(TaskNameHead(*task), code)) {
+        if (values::EqualIgnoringCase(TaskNameHead(*task), code)) {
             return task;
         }
     }
