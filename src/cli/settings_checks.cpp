@@ -11,9 +11,6 @@
 
 namespace {
 
-constexpr std::int64_t kSheetRows = 1048576;
-constexpr std::int64_t kSheetColumns = 16384;
-
 // The column settings, by the name of their cell.
 struct ColumnSetting {
     const char* key;
