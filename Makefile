@@ -3,7 +3,7 @@
 # cross compiler, Wine and LibreOffice.
 JOBS ?= $(shell nproc)
 
-.PHONY: demo test bench deps demo-deps native windows release format
+.PHONY: demo test bench deps demo-deps native windows release fuzzers fuzz format
 
 deps:
 	@./scripts/install-deps test
@@ -20,8 +20,19 @@ windows: deps
 		-DCMAKE_BUILD_TYPE=Release >/dev/null
 	@cmake --build build-win -j$(JOBS)
 
-test: native windows
-	@./scripts/run-tests build build-win
+test: native windows fuzzers
+	@./scripts/run-tests build build-win build-fuzz
+
+# The libFuzzer programs, built with clang and instrumented in a folder of their own.
+fuzzers: deps
+	@CC=clang CXX=clang++ cmake -S . -B build-fuzz -DVANTORA_FUZZ=ON -DVANTORA_TESTS=OFF \
+		-DCMAKE_BUILD_TYPE=RelWithDebInfo >/dev/null
+	@cmake --build build-fuzz -j$(JOBS) --target fuzzers
+
+# Each fuzzer in turn for FUZZ_SECONDS.
+FUZZ_SECONDS ?= 600
+fuzz: fuzzers
+	@./scripts/run-fuzzers build-fuzz $(FUZZ_SECONDS)
 
 # The optimised vantora a planner runs: no sanitizers, no tests.
 release: demo-deps

@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "cli/command_word.h"
 #include "cli/commands.h"
 #include "cli/exit_codes.h"
 #include "cli/render_command.h"
@@ -31,16 +32,6 @@ struct CommonOptions {
     std::optional<std::string> filterSpec;
 };
 
-// The commands that are not engine commands, for the suggestion after a mistyped name.
-constexpr std::string_view kWorkbookCommands[] = {"run", "new", "check", "convert"};
-
-std::string UnknownCommand(std::string_view name) {
-    std::string text = "unknown command '" + std::string(name) + "'";
-    const std::string closest = ClosestCommandName(name, kWorkbookCommands);
-    if (!closest.empty()) text += "; did you mean '" + closest + "'?";
-    return text + " (vantora --help lists the commands)";
-}
-
 void AddCommonOptions(CLI::App& command, CommonOptions& options, bool withRows) {
     command.add_option("WORKBOOK", options.workbook, "The workbook (.xlsx, .xlsm or .json)")
         ->required()
@@ -62,42 +53,6 @@ void AddFilterSpecOption(CLI::App& command, CommonOptions& options) {
                        "Write the filter \"MODE,ARGUMENT\" into the settings sheet's cell A500 "
                        "first, as the workbook's filter dialog does (see the filter command's "
                        "help for the modes)");
-}
-
-// "gantt:2" or "offset:1,3": a command name and its whole-number arguments.
-std::optional<CommandCall> ParseCommandWord(const std::string& word, std::string& error) {
-    const auto colon = word.find(':');
-    const std::string name = word.substr(0, colon);
-    const EngineCommand* command = FindEngineCommand(name);
-    if (command == nullptr) {
-        error = UnknownCommand(name);
-        return std::nullopt;
-    }
-    CommandCall call{command, {}};
-    if (colon != std::string::npos) {
-        std::string list = word.substr(colon + 1);
-        for (std::size_t at = 0; at <= list.size();) {
-            const auto comma = std::min(list.find(',', at), list.size());
-            try {
-                call.arguments.push_back(std::stoi(list.substr(at, comma - at)));
-            } catch (const std::exception&) {
-                error = "'" + word + "': the arguments must be whole numbers";
-                return std::nullopt;
-            }
-            at = comma + 1;
-        }
-    }
-    for (std::size_t i = call.arguments.size(); i < command->arguments.size(); ++i) {
-        if (command->arguments[i].hasDefault) {
-            call.arguments.push_back(command->arguments[i].defaultValue);
-        }
-    }
-    if (call.arguments.size() != command->arguments.size()) {
-        error =
-            "'" + name + "' takes " + std::to_string(command->arguments.size()) + " argument(s)";
-        return std::nullopt;
-    }
-    return call;
 }
 
 int Run(const CommonOptions& options, const std::vector<CommandCall>& calls) {
@@ -151,6 +106,10 @@ int Run(const CommonOptions& options, const std::vector<CommandCall>& calls) {
         }
     } catch (const WorkbookFileError& error) {
         std::cerr << "vantora: " << error.what() << '\n';
+        return kWorkbookError;
+    } catch (const std::filesystem::filesystem_error& error) {
+        std::cerr << "vantora: " << error.path1().string() << ": " << error.code().message()
+                  << '\n';
         return kWorkbookError;
     }
     return kSuccess;

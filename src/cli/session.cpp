@@ -3,6 +3,7 @@
 #include <iostream>
 
 #include "calendar/resources.h"
+#include "cli/settings_checks.h"
 #include "cli/user_edits.h"
 #include "com/text.h"
 #include "engine/exports.h"
@@ -63,10 +64,11 @@ bool WithPrimedEngine(const std::shared_ptr<sheethost::Workbook>& book,
     kpSetMessageReceiver(PrintMessage);
     kpSetStatusDate(options.now.value_or(0));
     kpSetWorkBook(&workbook.object);
-    const bool usable = RefreshSettings();
+    const bool usable = RefreshSettings() && SettingsAreUsable();
     if (usable) {
         LoadResources();
         TaskTable_Load();
+        WarnAboutTaskRowsPastTheLimit();
         body();
     }
     kpQuit();

@@ -1,7 +1,8 @@
 #include "cli/workbook_file.h"
 
+#include <algorithm>
+#include <cctype>
 #include <fstream>
-#include <sstream>
 #include <system_error>
 
 #include "sheethost/sheethost.h"
@@ -13,8 +14,11 @@ namespace {
 
 enum class FileKind { kJson, kPackage };
 
+// The spreadsheet's own names and the file system's may spell the extension in capitals.
 FileKind KindOf(const fs::path& path) {
-    const std::string extension = path.extension().string();
+    std::string extension = path.extension().string();
+    std::ranges::transform(extension, extension.begin(),
+                           [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
     if (extension == ".json") {
         return FileKind::kJson;
     }
@@ -27,6 +31,11 @@ FileKind KindOf(const fs::path& path) {
 }  // namespace
 
 std::shared_ptr<sheethost::Workbook> ReadWorkbookFile(const fs::path& path) {
+    // A pipe would block the read and a device may never end: only a file's bytes are a workbook.
+    std::error_code kind;
+    if (!fs::is_regular_file(path, kind)) {
+        throw WorkbookFileError(path.string() + ": not a regular file");
+    }
     if (KindOf(path) == FileKind::kPackage) {
         try {
             return xlsx::LoadXlsx(path);
@@ -38,10 +47,15 @@ std::shared_ptr<sheethost::Workbook> ReadWorkbookFile(const fs::path& path) {
     if (!in) {
         throw WorkbookFileError(path.string() + ": cannot be opened");
     }
-    std::ostringstream text;
-    text << in.rdbuf();
+    const auto size = fs::file_size(path, kind);
+    if (kind || size > sheethost::kMaxWorkbookJsonBytes) {
+        throw WorkbookFileError(path.string() + ": larger than any workbook (256 MB at most)");
+    }
+    std::string text(static_cast<std::size_t>(size), '\0');
+    in.read(text.data(), static_cast<std::streamsize>(text.size()));
+    text.resize(static_cast<std::size_t>(in.gcount()));
     std::string error;
-    auto book = sheethost::LoadWorkbookJson(text.str(), &error);
+    auto book = sheethost::LoadWorkbookJson(text, &error);
     if (!book) {
         throw WorkbookFileError(path.string() + ": not a workbook: " + error);
     }
@@ -61,22 +75,10 @@ void WriteWorkbookFile(const sheethost::Workbook& book, const fs::path& source,
         }
         return;
     }
-    const fs::path temporary = path.string() + ".vantora-tmp";
-    {
-        std::ofstream out(temporary, std::ios::binary | std::ios::trunc);
-        out << sheethost::DumpWorkbookJson(book);
-        out.close();
-        if (!out) {
-            std::error_code ignored;
-            fs::remove(temporary, ignored);
-            throw WorkbookFileError(path.string() + ": cannot be written");
-        }
-    }
-    std::error_code error;
-    fs::rename(temporary, path, error);
-    if (error) {
-        fs::remove(temporary, error);
-        throw WorkbookFileError(path.string() + ": cannot be written: " + error.message());
+    try {
+        xlsx::WriteFileAtomically(sheethost::DumpWorkbookJson(book), path);
+    } catch (const xlsx::XlsxError& error) {
+        throw WorkbookFileError(path.string() + ": " + error.what());
     }
 }
 

@@ -86,17 +86,39 @@ constexpr std::int64_t kLastSheetRow = 1048576;
 constexpr int kRightEdge = 10;
 constexpr double kNoLine = -4142;
 
-constexpr char kZeroUnitMessage[] =
-    "The calendar unit (CSCalendarUnit on the settings sheet) is 0. Enter the number of minutes "
-    "one chart column stands for, for example 1440 for a day or 60 for an hour, and run the "
-    "command again.";
+constexpr char kUnitAdvice[] =
+    " Enter the number of minutes one chart column stands for, for example 1440 for a day or 60 "
+    "for an hour, and run the command again.";
+
+// Why the calendar unit cannot be used, naming the sheet and the cell, so that the user finds
+// what to mend: no settings sheet, no cell of that name, or a cell that holds no whole number of
+// minutes above 0 (a text, an error value, 0.5, a negative number).
+std::string UnusableUnitMessage() {
+    const XlObject sheet = EngineSettingsSheet();
+    if (sheet.IsNothing()) {
+        return "The workbook has no settings sheet (no sheet has the code name wsSettings), so "
+               "the calendar unit (CSCalendarUnit) and the other settings cannot be read.";
+    }
+    const std::string sheetName = "\"" + sheet.GetName() + "\"";
+    const XlObject cell = sheet.RangeOf("CSCalendarUnit");
+    if (cell.IsNothing()) {
+        return "The settings sheet " + sheetName +
+               " has no cell named CSCalendarUnit, so the calendar unit is 0." + kUnitAdvice;
+    }
+    const std::string text = cell.GetValue();
+    return "The calendar unit (CSCalendarUnit, cell " + cell.GetString("Address") +
+           " of the settings sheet " + sheetName + ") is " +
+           (text.empty() ? std::string("empty") : "\"" + text + "\"") +
+           ", not a whole number of minutes above 0." + kUnitAdvice;
+}
 
 }  // namespace
 
 bool LoadSettings() {
-    // The chart extent is divided by the unit below; refuse before anything is read or changed.
-    if (EngineCalendarSettings().CSCalendarUnit == 0) {
-        ShowMessage(kZeroUnitMessage, MB_ICONERROR);
+    // The chart extent is divided by the unit below, and a negative unit would run the chart
+    // backwards; refuse before anything is read or changed.
+    if (EngineCalendarSettings().CSCalendarUnit <= 0) {
+        ShowMessage(UnusableUnitMessage(), MB_ICONERROR);
         SetLastRuntimeError(kRuntimeErrorDivisionByZero);
         return false;
     }

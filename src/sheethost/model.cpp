@@ -59,6 +59,22 @@ void TrimCell(Sheet& sheet, int row, int column) {
     }
 }
 
+std::size_t CharacterCount(std::string_view utf8) {
+    std::size_t count = 0;
+    for (const char byte : utf8) {
+        const auto code = static_cast<unsigned char>(byte);
+        if ((code & 0xC0) != 0x80) ++count;  // each sequence counts once ...
+        if (code >= 0xF0) ++count;           // ... and twice when it needs two UTF-16 units
+    }
+    return count;
+}
+
+bool IsValidSheetName(std::string_view name) {
+    return !name.empty() && CharacterCount(name) <= kMaxSheetNameCharacters &&
+           name.find_first_of(":\\/?*[]") == name.npos && name.front() != '\'' &&
+           name.back() != '\'';
+}
+
 bool SameName(std::string_view a, std::string_view b) {
     return std::equal(a.begin(), a.end(), b.begin(), b.end(),
                       [](char x, char y) { return LowerAscii(x) == LowerAscii(y); });

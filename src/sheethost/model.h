@@ -265,6 +265,13 @@ const Cell* FindCell(const Sheet& sheet, int row, int column);
 // Drops the cell's entry when it holds nothing its row or column would not give it.
 void TrimCell(Sheet& sheet, int row, int column);
 
+// The spreadsheet's limits on texts, in the UTF-16 units it counts.
+inline constexpr std::size_t kMaxCellCharacters = 32767;
+inline constexpr std::size_t kMaxSheetNameCharacters = 31;
+std::size_t CharacterCount(std::string_view utf8);
+// At most 31 characters, none of ":\/?*[]", and no quote at either end.
+bool IsValidSheetName(std::string_view name);
+
 // Sheets and names are matched without regard to case (ASCII letters), as the spreadsheet does.
 bool SameName(std::string_view a, std::string_view b);
 std::shared_ptr<Sheet> FindSheet(const Workbook& book, std::string_view name);

@@ -19,6 +19,9 @@ namespace sheethost {
 // A workbook with one empty worksheet, "Sheet1".
 std::shared_ptr<Workbook> NewWorkbook();
 
+// The largest JSON description loaded: more than the biggest workbook the spreadsheet holds.
+inline constexpr std::size_t kMaxWorkbookJsonBytes = std::size_t{256} << 20;
+
 // Loads a workbook from its JSON description (see FIXTURES.md). Null, with the reason in `error`
 // when given, for text that is not a valid description.
 std::shared_ptr<Workbook> LoadWorkbookJson(std::string_view text, std::string* error = nullptr);

@@ -3,6 +3,9 @@
 #include <cmath>
 #include <map>
 #include <nlohmann/json.hpp>
+#include <optional>
+#include <utility>
+#include <vector>
 
 #include "sheethost/address.h"
 #include "sheethost/cell_values.h"
@@ -23,6 +26,44 @@ struct FixtureError {
 
 [[noreturn]] void Fail(const std::string& where, const std::string& what) {
     throw FixtureError{where + ": " + what};
+}
+
+// Runs `read`, naming `where` in a fault the JSON library finds (a text where a number belongs,
+// a missing key): its own message names no place.
+template <class Read>
+auto At(const std::string& where, Read&& read) {
+    try {
+        return read();
+    } catch (const json::exception& fault) {
+        const std::string_view what = fault.what();
+        const auto bracket = what.find("] ");
+        Fail(where, std::string(bracket == what.npos ? what : what.substr(bracket + 2)));
+    }
+}
+
+std::optional<double> OptionalNumber(const json& entry, const char* key, const std::string& where) {
+    if (!entry.contains(key)) return std::nullopt;
+    return At(where + "." + key, [&] { return entry[key].get<double>(); });
+}
+
+// Each row described is kept on its own: a range of rows is bounded so that a description cannot
+// make the host hold a million of them.
+constexpr int kMaxRowsAtOnce = 65536;
+
+// Nesting deeper than any workbook needs is refused while parsing, before the copies the loader
+// makes of values could exhaust the stack.
+constexpr int kMaxNesting = 64;
+
+// The whole number at `key`, `fallback` when absent; `what` names it in the fault of a fraction or
+// a number outside `least` to `most`.
+int WholeNumber(const json& entry, const char* key, int fallback, int least, int most,
+                const std::string& where, const std::string& what) {
+    const double number = OptionalNumber(entry, key, where).value_or(fallback);
+    if (!(number >= least && number <= most) || number != std::floor(number)) {
+        Fail(where + "." + key, what + " is a whole number from " + std::to_string(least) + " to " +
+                                    std::to_string(most));
+    }
+    return static_cast<int>(number);
 }
 
 // Whole numbers are written without a fraction, so 15 and 15.0 dump alike.
@@ -192,6 +233,30 @@ class StyleReader {
     const json& table_;
 };
 
+// One entry's format laid over many rows, columns or cells. Most of them start from the same
+// few formats, so each distinct result is worked out once: a format over the whole sheet costs
+// as much as one over a cell.
+class StyleChange {
+  public:
+    StyleChange(const StyleReader& styles, const json& entry, std::string where)
+        : styles_(styles), entry_(entry), where_(std::move(where)) {}
+
+    Style operator()(const Style& base) {
+        for (const auto& [before, after] : known_) {
+            if (before == base) return after;
+        }
+        Style changed = styles_.Read(entry_, base, where_);
+        known_.emplace_back(base, changed);
+        return changed;
+    }
+
+  private:
+    const StyleReader& styles_;
+    const json& entry_;
+    const std::string where_;
+    std::vector<std::pair<Style, Style>> known_;
+};
+
 void CheckKeys(const json& entry, std::initializer_list<const char*> known,
                const std::string& where, bool styleKeys) {
     if (!entry.is_object()) Fail(where, "must be an object");
@@ -208,7 +273,9 @@ std::vector<DefinedName> ReadNames(const json& names, const std::string& where) 
     std::vector<DefinedName> read;
     if (!names.is_object()) Fail(where, "must be an object of name: reference");
     for (const auto& [name, refersTo] : names.items()) {
-        read.push_back(DefinedName{name, refersTo.get<std::string>()});
+        read.push_back(DefinedName{name, At(where + "." + name, [&value = refersTo] {
+                                       return value.get<std::string>();
+                                   })});
     }
     return read;
 }
@@ -224,7 +291,13 @@ Area ReadLines(const std::string& key, bool rows, const std::string& where) {
 
 Value ReadValue(const json& value, const std::string& where) {
     if (value.is_number()) return value.get<double>();
-    if (value.is_string()) return value.get<std::string>();
+    if (value.is_string()) {
+        std::string text = value.get<std::string>();
+        if (CharacterCount(text) > kMaxCellCharacters) {
+            Fail(where, "a cell holds at most 32,767 characters");
+        }
+        return text;
+    }
     if (value.is_boolean()) return value.get<bool>();
     if (value.is_object() && value.size() == 1 && value.contains("date")) {
         const auto serial = values::ParseDateText(value["date"].get<std::string>());
@@ -280,25 +353,35 @@ std::shared_ptr<Sheet> ReadSheet(const Workbook& book, const json& entry, const 
                "columns", "rows", "cells", "formats", "names", "shapes", "charts"},
               where, false);
     auto sheet = std::make_shared<Sheet>();
-    sheet->name = entry.at("name").get<std::string>();
-    sheet->codeName = entry.value("codeName", sheet->name);
-    sheet->zoom = entry.value("zoom", 100);
+    At(where + ".name", [&] { sheet->name = entry.at("name").get<std::string>(); });
+    if (!IsValidSheetName(sheet->name)) {
+        Fail(where + ".name",
+             "a sheet name has 1 to 31 characters, none of :\\/?*[] and no quote "
+             "at either end");
+    }
+    At(where + ".codeName", [&] { sheet->codeName = entry.value("codeName", sheet->name); });
+    sheet->zoom = WholeNumber(entry, "zoom", 100, 10, 400, where, "a zoom");
     if (entry.contains("freezePanes")) {
-        const auto cell = ParseArea(entry["freezePanes"].get<std::string>());
+        const auto cell = ParseArea(
+            At(where + ".freezePanes", [&] { return entry["freezePanes"].get<std::string>(); }));
         if (!cell || cell->Rows() != 1 || cell->Columns() != 1) Fail(where, "bad freezePanes");
         sheet->frozenAt = CellRef{cell->top, cell->left};
     }
     if (entry.contains("pageSetup")) {
+        const std::string at = where + ".pageSetup";
         const json& page = entry["pageSetup"];
-        CheckKeys(page, {"orientation", "fitToPagesWide", "fitToPagesTall"}, where + ".pageSetup",
-                  false);
-        const std::string orientation = page.value("orientation", "portrait");
+        CheckKeys(page, {"orientation", "fitToPagesWide", "fitToPagesTall"}, at, false);
+        const std::string orientation =
+            At(at + ".orientation", [&] { return page.value("orientation", "portrait"); });
         if (orientation != "portrait" && orientation != "landscape") {
-            Fail(where + ".pageSetup", "orientation must be portrait or landscape");
+            Fail(at, "orientation must be portrait or landscape");
         }
         sheet->pageSetup.landscape = orientation == "landscape";
-        sheet->pageSetup.fitToPagesWide = page.value("fitToPagesWide", 0);
-        sheet->pageSetup.fitToPagesTall = page.value("fitToPagesTall", 0);
+        // The spreadsheet shrinks a sheet onto at most 32767 pages each way; 0 leaves it free.
+        sheet->pageSetup.fitToPagesWide =
+            WholeNumber(page, "fitToPagesWide", 0, 0, 32767, at, "a page count");
+        sheet->pageSetup.fitToPagesTall =
+            WholeNumber(page, "fitToPagesTall", 0, 0, 32767, at, "a page count");
     }
 
     // value() answers a temporary: keep it alive for the loop over its items.
@@ -307,11 +390,14 @@ std::shared_ptr<Sheet> ReadSheet(const Workbook& book, const json& entry, const 
         const std::string at = where + ".columns." + key;
         CheckKeys(line, {"width", "hidden", "style"}, at, true);
         const Area area = ReadLines(key, false, at);
+        const auto width = OptionalNumber(line, "width", at);
+        const bool hidden = At(at, [&entry = line] { return entry.value("hidden", false); });
+        StyleChange change(styles, line, at);
         for (int column = area.left; column <= area.right; ++column) {
             ColumnInfo& info = sheet->columns[column];
-            if (line.contains("width")) info.width = line["width"].get<double>();
-            info.hidden = line.value("hidden", false);
-            info.style = styles.Read(line, info.style.value_or(Style{}), at);
+            if (width) info.width = width;
+            info.hidden = hidden;
+            info.style = change(info.style.value_or(Style{}));
         }
     }
     const json rows = entry.value("rows", json::object());
@@ -319,27 +405,36 @@ std::shared_ptr<Sheet> ReadSheet(const Workbook& book, const json& entry, const 
         const std::string at = where + ".rows." + key;
         CheckKeys(line, {"height", "hidden", "style"}, at, true);
         const Area area = ReadLines(key, true, at);
+        if (area.bottom - area.top >= kMaxRowsAtOnce) {
+            Fail(at, "give rows their height, visibility or format at most 65,536 at a time");
+        }
+        const auto height = OptionalNumber(line, "height", at);
+        const bool hidden = At(at, [&entry = line] { return entry.value("hidden", false); });
+        StyleChange change(styles, line, at);
         for (int row = area.top; row <= area.bottom; ++row) {
             RowInfo& info = sheet->rows[row];
-            if (line.contains("height")) info.height = line["height"].get<double>();
-            info.hidden = line.value("hidden", false);
-            info.style = styles.Read(line, info.style.value_or(Style{}), at);
+            if (height) info.height = height;
+            info.hidden = hidden;
+            info.style = change(info.style.value_or(Style{}));
         }
     }
     NormalizeLineInfos(*sheet);
     const json cells = entry.value("cells", json::object());
     for (const auto& [address, cell] : cells.items()) {
-        ReadCell(*sheet, address, cell, styles, where + ".cells." + address);
+        const std::string at = where + ".cells." + address;
+        At(at,
+           [&, &address = address, &cell = cell] { ReadCell(*sheet, address, cell, styles, at); });
     }
     const json formats = entry.value("formats", json::array());
     for (std::size_t k = 0; k < formats.size(); ++k) {
         const std::string at = where + ".formats[" + std::to_string(k) + "]";
         const json& format = formats[k];
         CheckKeys(format, {"range", "style"}, at, true);
-        const auto resolved = ResolveAddress(book, sheet, format.at("range").get<std::string>());
+        const auto resolved = ResolveAddress(
+            book, sheet, At(at + ".range", [&] { return format.at("range").get<std::string>(); }));
         if (!resolved || resolved->sheet != sheet) Fail(at, "not a range of this sheet");
-        ChangeStyle(*sheet, resolved->areas,
-                    [&](Style& style) { style = styles.Read(format, style, at); });
+        StyleChange change(styles, format, at);
+        ChangeStyle(*sheet, resolved->areas, [&](Style& style) { style = change(style); });
     }
     sheet->names = ReadNames(entry.value("names", json::object()), where + ".names");
 
@@ -378,8 +473,10 @@ std::shared_ptr<Workbook> ReadWorkbook(const json& root) {
               {"name", "activeSheet", "names", "styles", "sheets", "chartSheets", "statusBar"},
               "workbook", false);
     auto book = std::make_shared<Workbook>();
-    book->name = root.value("name", book->name);
-    if (root.contains("statusBar")) book->statusBar = root["statusBar"].get<std::string>();
+    At("name", [&] { book->name = root.value("name", book->name); });
+    if (root.contains("statusBar")) {
+        At("statusBar", [&] { book->statusBar = root["statusBar"].get<std::string>(); });
+    }
     const json styleTable = root.value("styles", json::object());
     const StyleReader styles(styleTable);
     book->names = ReadNames(root.value("names", json::object()), "names");
@@ -388,24 +485,30 @@ std::shared_ptr<Workbook> ReadWorkbook(const json& root) {
     if (sheets.empty()) Fail("sheets", "a workbook has at least one sheet");
     for (std::size_t k = 0; k < sheets.size(); ++k) {
         const std::string where = "sheets[" + std::to_string(k) + "]";
-        auto sheet = ReadSheet(*book, sheets[k], styles, where);
+        auto sheet = At(where, [&] { return ReadSheet(*book, sheets[k], styles, where); });
         if (FindSheet(*book, sheet->name)) Fail(where, "two sheets named " + sheet->name);
         book->sheets.push_back(std::move(sheet));
     }
     // Selections may name defined names of any sheet: read them once every sheet is there.
     for (std::size_t k = 0; k < sheets.size(); ++k) {
-        ReadSelection(*book, book->sheets[k], sheets[k], "sheets[" + std::to_string(k) + "]");
+        const std::string where = "sheets[" + std::to_string(k) + "]";
+        At(where, [&] { ReadSelection(*book, book->sheets[k], sheets[k], where); });
     }
     const json chartSheets = root.value("chartSheets", json::array());
-    for (const json& entry : chartSheets) {
-        CheckKeys(entry, {"name", "chart"}, "chartSheets", false);
-        auto chart = ChartFromJson(entry.at("chart"));
-        if (!chart) Fail("chartSheets", "not a chart: " + entry.dump());
-        book->chartSheets.push_back(ChartSheet{entry.at("name").get<std::string>(),
-                                               std::make_shared<Chart>(std::move(*chart))});
+    for (std::size_t k = 0; k < chartSheets.size(); ++k) {
+        const std::string where = "chartSheets[" + std::to_string(k) + "]";
+        const json& entry = chartSheets[k];
+        CheckKeys(entry, {"name", "chart"}, where, false);
+        At(where, [&] {
+            auto chart = ChartFromJson(entry.at("chart"));
+            if (!chart) Fail(where, "not a chart: " + entry.dump());
+            book->chartSheets.push_back(ChartSheet{entry.at("name").get<std::string>(),
+                                                   std::make_shared<Chart>(std::move(*chart))});
+        });
     }
     if (root.contains("activeSheet")) {
-        const auto active = FindSheet(*book, root["activeSheet"].get<std::string>());
+        const auto active = FindSheet(
+            *book, At("activeSheet", [&] { return root["activeSheet"].get<std::string>(); }));
         if (!active) Fail("activeSheet", "no such sheet");
         book->activeSheet = static_cast<std::size_t>(
             std::find(book->sheets.begin(), book->sheets.end(), active) - book->sheets.begin());
@@ -545,7 +648,16 @@ std::shared_ptr<Workbook> NewWorkbook() {
 
 std::shared_ptr<Workbook> LoadWorkbookJson(std::string_view text, std::string* error) {
     try {
-        return ReadWorkbook(json::parse(text));
+        if (text.size() > kMaxWorkbookJsonBytes) {
+            Fail("workbook", "larger than any workbook (256 MB at most)");
+        }
+        const json::parser_callback_t nesting = [](int depth, json::parse_event_t, json&) {
+            if (depth > kMaxNesting) {
+                Fail("workbook", "nested deeper than " + std::to_string(kMaxNesting) + " levels");
+            }
+            return true;
+        };
+        return ReadWorkbook(json::parse(text, nesting));
     } catch (const FixtureError& fault) {
         if (error) *error = fault.message;
     } catch (const json::exception& fault) {
@@ -571,7 +683,9 @@ std::string DumpWorkbookJson(const Workbook& book) {
         root["activeSheet"] = book.sheets[book.activeSheet]->name;
     }
     if (book.statusBar) root["statusBar"] = *book.statusBar;
-    return root.dump(2) + "\n";
+    // A text that is no UTF-8 (read from a package, or written through the host) is dumped with
+    // its faulty bytes replaced rather than refused.
+    return root.dump(2, ' ', false, json::error_handler_t::replace) + "\n";
 }
 
 }  // namespace sheethost

@@ -27,12 +27,6 @@ class WorksheetObject final : public DispatchObjectOf<WorksheetObject> {
     const SheetPtr sheet;
 };
 
-// The characters a sheet name may not hold.
-bool IsValidSheetName(std::string_view name) {
-    return !name.empty() && name.size() <= 31 && name.find_first_of(":\\/?*[]") == name.npos &&
-           name.front() != '\'' && name.back() != '\'';
-}
-
 namespace members {
 
 void Name(WorksheetObject& ws, Invocation& call) {

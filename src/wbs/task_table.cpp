@@ -1,13 +1,13 @@
 #include "wbs/task_table.h"
 
 #include <algorithm>
-#include <cctype>
 #include <memory>
 #include <vector>
 
 #include "calendar/task_tests.h"
 #include "core/engine_state.h"
 #include "settings/settings.h"
+#include "values/case_fold.h"
 #include "values/values.h"
 #include "workbook/workbook.h"
 
@@ -66,28 +66,18 @@ class NameCells {
     std::vector<CellValues> blocks_;
 };
 
-// Two codes are the same task code when they are equal letter by letter ignoring case, so the
-// index keys them by their upper-case form.
-std::string FoldedCode(std::string_view code) {
-    std::string folded(code);
-    for (char& letter : folded) {
-        letter = static_cast<char>(std::toupper(static_cast<unsigned char>(letter)));
-    }
-    return folded;
-}
-
 bool InTable(const TaskRecord& record) {
     return Tasks_ByRow(record.row) == &record;
 }
 
 void IndexCode(TaskTable& table, TaskRecord& record) {
-    auto& tasks = table.byCode[FoldedCode(TaskNameHead(record))];
+    auto& tasks = table.byCode[values::FoldedText(TaskNameHead(record))];
     const auto at = std::ranges::upper_bound(tasks, record.row, {}, &TaskRecord::row);
     tasks.insert(at, &record);
 }
 
 void UnindexCode(TaskTable& table, TaskRecord& record) {
-    const auto entry = table.byCode.find(FoldedCode(TaskNameHead(record)));
+    const auto entry = table.byCode.find(values::FoldedText(TaskNameHead(record)));
     if (entry == table.byCode.end()) {
         return;
     }
@@ -284,7 +274,7 @@ TaskRecord* Tasks_ByWbs(std::string_view wbsText) {
 
 TaskRecord* Tasks_ByCode(std::string_view code) {
     const auto& byCode = EngineTasks().byCode;
-    const auto entry = byCode.find(FoldedCode(code));
+    const auto entry = byCode.find(values::FoldedText(code));
     return entry == byCode.end() ? nullptr : entry->second.front();
 }
 

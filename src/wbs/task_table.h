@@ -96,7 +96,7 @@ struct TaskTable {
     std::int64_t taskCount = 0;
     // Case-folded task code -> the tasks with that code, in sheet order. Follows the names the
     // records hold, stale ones included, so a look-up finds what a walk down the table would.
-    std::unordered_map<std::string, std::vector<TaskRecord*>> byCode;
+    std::unordered_map<std::u32string, std::vector<TaskRecord*>> byCode;
     // "1", "2", ... -> record; owns every record.
     StrDict<TaskRecord> pool{Ownership::kOwnsRecords};
     std::int64_t poolSize = 0;

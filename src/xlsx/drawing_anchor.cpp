@@ -1,6 +1,7 @@
 #include "xlsx/drawing_anchor.h"
 
 #include <algorithm>
+#include <cmath>
 #include <string_view>
 
 #include "xlsx/xml.h"
@@ -31,8 +32,11 @@ std::pair<int, double> LineAt(const std::vector<double>& edges, double standard,
                               int maxLine) {
     const std::size_t count = edges.size() - 1;
     if (at >= edges[count]) {
-        const int line = std::min(
-            maxLine, static_cast<int>(count) + static_cast<int>((at - edges[count]) / standard));
+        // Counted in floating point and capped before it becomes a line number: a shape far off
+        // the sheet stays on its last line rather than wrapping to a negative one.
+        const double beyond = std::floor((at - edges[count]) / standard);
+        const int line = static_cast<int>(
+            std::min(static_cast<double>(maxLine), static_cast<double>(count) + beyond));
         return {line, at - Edge(edges, standard, line)};
     }
     // The last line whose edge is at or before the point: hidden lines share their edge with
@@ -44,12 +48,15 @@ std::pair<int, double> LineAt(const std::vector<double>& edges, double standard,
 
 std::optional<std::pair<double, double>> ReadMarker(pugi::xml_node marker, const SheetGrid& grid) {
     if (!marker) return std::nullopt;
-    const int column = Child(marker, "col").text().as_int(-1);
-    const int row = Child(marker, "row").text().as_int(-1);
+    // Zero-based; a number past the sheet's last line is taken as that line.
+    const long long column = Child(marker, "col").text().as_llong(-1);
+    const long long row = Child(marker, "row").text().as_llong(-1);
     if (column < 0 || row < 0) return std::nullopt;
     return std::make_pair(
-        grid.Left(column + 1) + EmuToPoints(Child(marker, "colOff").text().as_llong()),
-        grid.Top(row + 1) + EmuToPoints(Child(marker, "rowOff").text().as_llong()));
+        grid.Left(static_cast<int>(std::min<long long>(column, sheethost::kMaxColumn - 1)) + 1) +
+            EmuToPoints(Child(marker, "colOff").text().as_llong()),
+        grid.Top(static_cast<int>(std::min<long long>(row, sheethost::kMaxRow - 1)) + 1) +
+            EmuToPoints(Child(marker, "rowOff").text().as_llong()));
 }
 
 std::optional<std::pair<double, double>> ReadPoint(pugi::xml_node node, const char* x,

@@ -2,6 +2,8 @@
 // the unit conversions. Reading matches elements by local name, so any prefix reads alike.
 #pragma once
 
+#include <algorithm>
+#include <cmath>
 #include <cstdint>
 #include <pugixml.hpp>
 #include <string>
@@ -20,8 +22,15 @@ inline constexpr std::string_view kRelationshipsNamespace =
 
 inline constexpr double kEmuPerPoint = 12700;
 
+// The widest coordinate a drawing may hold, in EMU.
+inline constexpr double kMaxCoordinateEmu = 27273042316900.0;
+
+// Rounded, and held to the coordinates a drawing may hold (not a number counts as 0), so that
+// no size or position wraps into a negative one.
 inline std::int64_t PointsToEmu(double points) {
-    return static_cast<std::int64_t>(points * kEmuPerPoint + (points < 0 ? -0.5 : 0.5));
+    if (std::isnan(points)) return 0;
+    const double emu = std::clamp(points * kEmuPerPoint, -kMaxCoordinateEmu, kMaxCoordinateEmu);
+    return static_cast<std::int64_t>(emu + (emu < 0 ? -0.5 : 0.5));
 }
 inline double EmuToPoints(std::int64_t emu) {
     return static_cast<double>(emu) / kEmuPerPoint;

@@ -38,6 +38,13 @@ std::shared_ptr<sheethost::Workbook> LoadXlsx(const std::filesystem::path& file)
     const Package package = ReadPackage(file);
     pugi::xml_document workbookDocument;
     const WorkbookParts parts = LocateParts(package, workbookDocument);
+    // Saving edits the content types; a fault there belongs to this file, found now.
+    const Part* contentTypes = package.Find("[Content_Types].xml");
+    if (contentTypes == nullptr) {
+        throw XlsxError("the workbook is corrupt: it has no [Content_Types].xml");
+    }
+    pugi::xml_document contentTypesDocument;
+    ParseXml(contentTypesDocument, contentTypes->bytes, "[Content_Types].xml");
 
     pugi::xml_document stylesDocument;
     if (const Part* styles = package.Find(parts.stylesPart)) {
@@ -52,10 +59,20 @@ std::shared_ptr<sheethost::Workbook> LoadXlsx(const std::filesystem::path& file)
     // localSheetId and activeTab count every sheet; the host keeps worksheets only.
     std::vector<int> worksheetOfTab;
     for (const SheetEntry& entry : parts.sheets) {
-        const Part* part = package.Find(entry.part);
-        if (part == nullptr) {
+        // A chart sheet leads to no worksheet part; a worksheet whose part is not there would be
+        // lost, and the parts that lead from it left dangling.
+        if (entry.part.empty()) {
             worksheetOfTab.push_back(-1);
             continue;
+        }
+        const Part* part = package.Find(entry.part);
+        if (part == nullptr) {
+            throw XlsxError("the workbook is corrupt: the part " + entry.part + " of the sheet \"" +
+                            entry.name + "\" is missing");
+        }
+        if (!sheethost::IsValidSheetName(entry.name)) {
+            throw XlsxError("the workbook is corrupt: \"" + entry.name.substr(0, 64) +
+                            "\" is not a sheet name (1 to 31 characters, none of :\\/?*[])");
         }
         pugi::xml_document sheetDocument;
         ParseXml(sheetDocument, part->bytes, entry.part);

@@ -4,6 +4,9 @@
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
 #include <fstream>
 #include <memory>
 #include <random>
@@ -31,6 +34,11 @@ std::string Quoted(const std::filesystem::path& file) {
 // The first bytes tell a zip package from a compound file (an encrypted workbook, or the old
 // binary format) and from anything else, before libzip gives a vaguer answer.
 void CheckSignature(const std::filesystem::path& file) {
+    // A pipe or a device would block the read or never end.
+    std::error_code kind;
+    if (!std::filesystem::is_regular_file(file, kind)) {
+        throw XlsxError(Quoted(file) + " is not a regular file");
+    }
     std::ifstream in(file, std::ios::binary);
     if (!in) throw XlsxError("cannot open " + Quoted(file));
     std::array<unsigned char, 4> head{};
@@ -106,6 +114,21 @@ std::filesystem::path TemporaryPathBeside(const std::filesystem::path& target) {
     return folder / ("." + target.filename().string() + ".saving-" + std::to_string(entropy()));
 }
 
+// A part name is a path inside the package: segments of their own, no way out of it, no drive
+// and no backslash, so that no name read from a file can point anywhere else when written back.
+bool IsPartName(std::string_view name) {
+    if (name.empty() || name.front() == '/' || name.find_first_of("\\:") != name.npos) {
+        return false;
+    }
+    for (std::size_t start = 0; start <= name.size();) {
+        const auto end = std::min(name.find('/', start), name.size());
+        const std::string_view segment = name.substr(start, end - start);
+        if (segment.empty() || segment == "." || segment == "..") return false;
+        start = end + 1;
+    }
+    return std::ranges::none_of(name, [](char c) { return static_cast<unsigned char>(c) < 0x20; });
+}
+
 }  // namespace
 
 const Part* Package::Find(std::string_view name) const {
@@ -152,10 +175,37 @@ Package ReadPackage(const std::filesystem::path& file, const UnpackLimits& limit
         }
         std::string name = stat.name;
         if (!name.empty() && name.back() == '/') continue;  // a folder entry
+        if (!IsPartName(name)) {
+            throw XlsxError(Quoted(file) + " is corrupt: \"" + name +
+                            "\" is not the name of a part of a package");
+        }
         std::string bytes = ReadEntry(archive.get(), at, stat, limits, total, file);
         package.parts.push_back(Part{std::move(name), std::move(bytes)});
     }
     return package;
+}
+
+void WriteFileAtomically(std::string_view bytes, const std::filesystem::path& target) {
+    TemporaryFile temporary(TemporaryPathBeside(target));
+    auto failed = [&](const std::string& what) {
+        return XlsxError("cannot write " + Quoted(target) + ": " + what);
+    };
+    {
+        // "x": created here and now, never a file (or a link) someone put in its place.
+        const std::unique_ptr<std::FILE, int (*)(std::FILE*)> out(
+            std::fopen(temporary.Path().c_str(), "wbx"), &std::fclose);
+        if (!out)
+            throw failed(std::string("cannot create a file in its folder: ") +
+                         std::strerror(errno));
+        if (std::fwrite(bytes.data(), 1, bytes.size(), out.get()) != bytes.size() ||
+            std::fflush(out.get()) != 0) {
+            throw failed("the disk refused the bytes");
+        }
+    }
+    std::error_code renameError;
+    std::filesystem::rename(temporary.Path(), target, renameError);
+    if (renameError) throw failed(renameError.message());
+    temporary.Keep();
 }
 
 void WritePackageAtomically(const Package& package, const std::filesystem::path& target) {

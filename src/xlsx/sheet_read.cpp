@@ -9,6 +9,7 @@
 #include "sheethost/formula.h"
 #include "xlsx/page_setup.h"
 #include "xlsx/sheet_view.h"
+#include "xlsx/xlsx.h"
 #include "xlsx/xml.h"
 
 namespace xlsx {
@@ -100,6 +101,13 @@ class WorksheetReader {
         cell.quotePrefix = styles_.QuotePrefixAt(styleIndex);
         cell.formula = Formula(Child(cellNode, "f"), row, column);
         if (cell.formula.empty()) cell.value = CellValue(cellNode);
+        // The spreadsheet never writes a longer text; one that is longer was made to hurt.
+        if (const auto* text = std::get_if<std::string>(&cell.value);
+            text != nullptr && sheethost::CharacterCount(*text) > sheethost::kMaxCellCharacters) {
+            throw XlsxError("the workbook is corrupt: cell " + sheethost::ColumnLetters(column) +
+                            std::to_string(row) + " of the sheet \"" + sheet_.name +
+                            "\" holds more than 32,767 characters");
+        }
         const bool holdsSomething =
             !cell.formula.empty() || !std::holds_alternative<sheethost::Blank>(cell.value);
         if (holdsSomething || cell.style != sheethost::EffectiveStyle(sheet_, row, column)) {

@@ -1,10 +1,13 @@
 #include "xlsx/sheet_view.h"
 
+#include <algorithm>
 #include <array>
+#include <optional>
 #include <string>
 #include <string_view>
 
 #include "sheethost/address.h"
+#include "sheethost/formula.h"
 #include "xlsx/sheet_read.h"
 #include "xlsx/sheet_write.h"
 #include "xlsx/xml.h"
@@ -33,9 +36,15 @@ bool IsFrozen(pugi::xml_node pane) {
 }
 
 // The splits count the frozen rows and columns; the pane's top-left cell is only where the
-// scrolling pane has been scrolled to.
-sheethost::CellRef FrozenAt(pugi::xml_node pane) {
-    return {pane.attribute("ySplit").as_int(0) + 1, pane.attribute("xSplit").as_int(0) + 1};
+// scrolling pane has been scrolled to. Splits that leave no cell of the sheet below or right of
+// them freeze nothing.
+std::optional<sheethost::CellRef> FrozenAt(pugi::xml_node pane) {
+    const int rows = pane.attribute("ySplit").as_int(0);
+    const int columns = pane.attribute("xSplit").as_int(0);
+    if (rows < 0 || rows >= sheethost::kMaxRow || columns < 0 || columns >= sheethost::kMaxColumn) {
+        return std::nullopt;
+    }
+    return sheethost::CellRef{rows + 1, columns + 1};
 }
 
 // Frozen rows above and columns left of `frozenAt`. The pane below and right of them is the active
@@ -69,7 +78,7 @@ void ReadSheetView(pugi::xml_node worksheet, sheethost::Sheet& sheet) {
     const int zoom = view.attribute("zoomScale").as_int(100);
     if (zoom >= 10 && zoom <= 400) sheet.zoom = zoom;
     if (const pugi::xml_node pane = Child(view, "pane"); IsFrozen(pane)) {
-        sheet.frozenAt = FrozenAt(pane);
+        sheet.frozenAt = FrozenAt(pane).value_or(sheethost::CellRef{});
     }
     pugi::xml_node selection = ActiveSelection(view);
     if (!selection) return;
@@ -95,7 +104,9 @@ void WriteSheetView(pugi::xml_node worksheet, const sheethost::Sheet& sheet, boo
     for (pugi::xml_node other : Children(views, "sheetView")) other.remove_attribute("tabSelected");
     if (active) view.prepend_attribute("tabSelected").set_value(1);
     view.remove_attribute("zoomScale");
-    if (sheet.zoom != 100) view.append_attribute("zoomScale").set_value(sheet.zoom);
+    // The spreadsheet opens no view outside 10% to 400%.
+    const int zoom = std::clamp(sheet.zoom, 10, 400);
+    if (zoom != 100) view.append_attribute("zoomScale").set_value(zoom);
     WriteFrozenPane(view, sheet.frozenAt);
 
     pugi::xml_node selection = ActiveSelection(view);

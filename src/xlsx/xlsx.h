@@ -15,6 +15,7 @@
 #include <filesystem>
 #include <memory>
 #include <stdexcept>
+#include <string_view>
 
 #include "sheethost/model.h"
 
@@ -38,5 +39,11 @@ struct SaveOptions {
 // from JSON, for instance).
 void SaveXlsx(const sheethost::Workbook& book, const std::filesystem::path& source,
               const std::filesystem::path& target, const SaveOptions& options = {});
+
+// Writes the bytes (a workbook in another format, for instance) the way a package is written: to
+// a new file of an unpredictable name beside `target`, created exclusively so that nothing
+// planted there is followed, then renamed over `target`. On failure the temporary file is removed
+// and XlsxError thrown.
+void WriteFileAtomically(std::string_view bytes, const std::filesystem::path& target);
 
 }  // namespace xlsx

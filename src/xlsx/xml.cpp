@@ -6,6 +6,33 @@
 #include "xlsx/xlsx.h"
 
 namespace xlsx {
+namespace {
+
+// "&#1;" to "&#31;" other than tab, line feed and carriage return, as the writer spells them.
+std::string DropForbiddenReferences(const std::string& xml) {
+    std::string kept;
+    kept.reserve(xml.size());
+    for (std::size_t at = 0; at < xml.size();) {
+        if (xml.compare(at, 2, "&#") == 0) {
+            const auto end = xml.find(';', at);
+            if (end != std::string::npos && end - at <= 4) {
+                const std::string digits = xml.substr(at + 2, end - at - 2);
+                if (!digits.empty() &&
+                    digits.find_first_not_of("0123456789") == std::string::npos) {
+                    const int code = std::stoi(digits);
+                    if (code < 0x20 && code != 9 && code != 10 && code != 13) {
+                        at = end + 1;
+                        continue;
+                    }
+                }
+            }
+        }
+        kept += xml[at++];
+    }
+    return kept;
+}
+
+}  // namespace
 
 void ParseXml(pugi::xml_document& document, const std::string& bytes, std::string_view partName) {
     const pugi::xml_parse_result result = document.load_buffer(
@@ -17,9 +44,18 @@ void ParseXml(pugi::xml_document& document, const std::string& bytes, std::strin
 }
 
 std::string SerializeXml(const pugi::xml_document& document) {
-    std::ostringstream out;
-    document.save(out, "", pugi::format_raw, pugi::encoding_utf8);
-    return out.str();
+    // A text of the workbook may hold bytes that are no UTF-8, and the parser decodes character
+    // references without looking at the code they name, so a text read from a file may hold
+    // controls that XML forbids, which the writer turns into references again. Mend both:
+    // whatever is written must be well-formed. The markup itself is plain ASCII.
+    struct Writer : pugi::xml_writer {
+        std::string bytes;
+        void write(const void* data, std::size_t size) override {
+            bytes.append(static_cast<const char*>(data), size);
+        }
+    } writer;
+    document.save(writer, "", pugi::format_raw, pugi::encoding_utf8);
+    return DropForbiddenReferences(WellFormedText(writer.bytes));
 }
 
 std::string_view LocalName(const pugi::xml_node& node) {
@@ -74,13 +110,56 @@ pugi::xml_node InsertInOrder(pugi::xml_node parent, std::string_view localName,
 }
 
 std::string JoinedText(const pugi::xml_node& node) {
+    // Runs may nest as deep as the file likes: walk them in document order without recursion.
     std::string text;
-    for (pugi::xml_node run : node.children()) {
-        if (run.type() != pugi::node_element) continue;
-        if (LocalName(run) == "t") {
-            text += run.text().get();
-        } else if (LocalName(run) == "r") {
-            text += JoinedText(run);
+    pugi::xml_node current = node.first_child();
+    while (current) {
+        const bool element = current.type() == pugi::node_element;
+        if (element && LocalName(current) == "t") text += current.text().get();
+        if (element && LocalName(current) == "r" && current.first_child()) {
+            current = current.first_child();
+            continue;
+        }
+        while (current != node && !current.next_sibling()) current = current.parent();
+        if (current == node) break;
+        current = current.next_sibling();
+    }
+    return text;
+}
+
+std::string WellFormedText(std::string_view bytes) {
+    std::string text;
+    text.reserve(bytes.size());
+    constexpr std::string_view kReplacement = "\xEF\xBF\xBD";
+    for (std::size_t at = 0; at < bytes.size();) {
+        const auto byte = [&](std::size_t k) { return static_cast<unsigned char>(bytes[k]); };
+        const unsigned char lead = byte(at);
+        if (lead < 0x80) {
+            // Controls other than tab, line feed and carriage return have no place in XML.
+            if (lead >= 0x20 || lead == '\t' || lead == '\n' || lead == '\r') text += bytes[at];
+            ++at;
+            continue;
+        }
+        const std::size_t length = (lead >> 5) == 0x6    ? 2
+                                   : (lead >> 4) == 0xE  ? 3
+                                   : (lead >> 3) == 0x1E ? 4
+                                                         : 0;
+        char32_t code = length == 2 ? lead & 0x1F : length == 3 ? lead & 0x0F : lead & 0x07;
+        bool valid = length != 0 && at + length <= bytes.size();
+        for (std::size_t k = 1; valid && k < length; ++k) {
+            valid = (byte(at + k) & 0xC0) == 0x80;
+            code = (code << 6) | (byte(at + k) & 0x3F);
+        }
+        // Over-long forms, surrogates, U+FFFE and U+FFFF and codes past U+10FFFF are refused too.
+        const char32_t least = length == 2 ? 0x80 : length == 3 ? 0x800 : 0x10000;
+        valid = valid && code >= least && code <= 0x10FFFF && (code < 0xD800 || code > 0xDFFF) &&
+                code != 0xFFFE && code != 0xFFFF;
+        if (valid) {
+            text.append(bytes.substr(at, length));
+            at += length;
+        } else {
+            text += kReplacement;
+            ++at;
         }
     }
     return text;

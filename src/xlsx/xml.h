@@ -33,4 +33,8 @@ pugi::xml_node InsertInOrder(pugi::xml_node parent, std::string_view localName,
 // The text of all <t> elements below `node`, joined: a rich text flattened.
 std::string JoinedText(const pugi::xml_node& node);
 
+// The bytes as text XML can hold: each byte that does not begin a well-formed UTF-8 sequence of
+// a character XML allows becomes U+FFFD, and the controls XML forbids are dropped.
+std::string WellFormedText(std::string_view bytes);
+
 }  // namespace xlsx

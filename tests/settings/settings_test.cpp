@@ -131,6 +131,47 @@ TEST_F(LoadSettingsTest, AZeroUnitStopsTheLoadBeforeItChangesAnything) {
     EXPECT_EQ(Engine().lastRuntimeError, kRuntimeErrorDivisionByZero);
 }
 
+TEST_F(LoadSettingsTest, AnyUnitBelowOneMinuteIsRefusedNamingTheCellAndWhatItHolds) {
+    const std::pair<Value, const char*> cases[] = {
+        {-60.0, "\"-60\""},
+        {0.5, "\"0.5\""},
+        {std::string("a day"), "\"a day\""},
+        {sheethost::Blank{}, "empty"},
+    };
+    workbook_.Bind();
+    for (const auto& [cell, shown] : cases) {
+        SetKey("CSCalendarUnit", cell);
+        LoadCalendarSettings();
+        const std::size_t before = workbook_.messages().size();
+        EXPECT_FALSE(LoadSettings());
+        ASSERT_EQ(workbook_.messages().size(), before + 1);
+        const std::string& message = workbook_.messages().back();
+        EXPECT_NE(message.find(shown), std::string::npos) << message;
+        EXPECT_NE(message.find("$C$"), std::string::npos) << message;
+        EXPECT_NE(message.find("\"Settings\""), std::string::npos) << message;
+    }
+}
+
+TEST_F(LoadSettingsTest, AMissingUnitNameIsNamedAsTheCause) {
+    std::erase_if(workbook_.book->names,
+                  [](const sheethost::DefinedName& name) { return name.name == "CSCalendarUnit"; });
+    workbook_.Bind();
+    LoadCalendarSettings();
+    EXPECT_FALSE(LoadSettings());
+    EXPECT_NE(workbook_.messages().back().find("has no cell named CSCalendarUnit"),
+              std::string::npos)
+        << workbook_.messages().back();
+}
+
+TEST_F(LoadSettingsTest, AMistypedCodeNameIsNamedAsTheCause) {
+    settings_->codeName = "wsSetting";  // hides the sheet from the engine
+    workbook_.Bind();
+    LoadCalendarSettings();
+    EXPECT_FALSE(LoadSettings());
+    EXPECT_NE(workbook_.messages().back().find("code name wsSettings"), std::string::npos)
+        << workbook_.messages().back();
+}
+
 TEST_F(LoadSettingsTest, AMissingCalendarKeepsTheEarlierSpan) {
     workbook_.book->sheets.pop_back();  // the calendar sheet
     workbook_.Bind();

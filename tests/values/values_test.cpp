@@ -5,6 +5,8 @@
 #include <cmath>
 #include <cstdint>
 
+#include "values/case_fold.h"
+
 namespace values {
 namespace {
 
@@ -101,3 +103,49 @@ TEST(ParseDateText, AcceptsTypedDatesAndTimesOnly) {
 
 }  // namespace
 }  // namespace values
+
+TEST(CaseFold, FoldsTheLettersOfEveryCoveredScript) {
+    EXPECT_EQ(values::FoldCase(U'Q'), U'q');
+    EXPECT_EQ(values::FoldCase(U'Ñ'), U'ñ');
+    EXPECT_EQ(values::FoldCase(U'×'), U'×');  // the multiplication sign among the capitals
+    EXPECT_EQ(values::FoldCase(U'Ÿ'), U'ÿ');
+    EXPECT_EQ(values::FoldCase(U'Ł'), U'ł');  // an odd capital in Latin Extended-A
+    EXPECT_EQ(values::FoldCase(U'Ŋ'), U'ŋ');  // an even one after the switch
+    EXPECT_EQ(values::FoldCase(U'ſ'), U's');
+    EXPECT_EQ(values::FoldCase(U'Ǆ'), U'ǆ');
+    EXPECT_EQ(values::FoldCase(U'Ə'), U'ə');
+    EXPECT_EQ(values::FoldCase(U'Ω'), U'ω');
+    EXPECT_EQ(values::FoldCase(U'ς'), U'σ');
+    EXPECT_EQ(values::FoldCase(U'Ά'), U'ά');
+    EXPECT_EQ(values::FoldCase(U'Ё'), U'ё');
+    EXPECT_EQ(values::FoldCase(U'Я'), U'я');
+    EXPECT_EQ(values::FoldCase(U'Ҕ'), U'ҕ');
+    EXPECT_EQ(values::FoldCase(U'Ա'), U'ա');
+    EXPECT_EQ(values::FoldCase(U'Ạ'), U'ạ');
+    EXPECT_EQ(values::FoldCase(U'ı'), U'ı');  // the dotless i has no capital of its own to meet
+    EXPECT_EQ(values::FoldCase(U'一'), U'一');
+}
+
+TEST(CaseFold, ComparesWholeUtf8TextsAndKeepsBrokenBytesApart) {
+    EXPECT_TRUE(values::EqualIgnoringCase("Ñandú-1", "ñANDÚ-1"));
+    EXPECT_TRUE(values::EqualIgnoringCase("", ""));
+    EXPECT_FALSE(values::EqualIgnoringCase("Ñ", "N"));
+    EXPECT_FALSE(values::EqualIgnoringCase("ab", "abc"));
+    // A lone continuation byte or a cut-off sequence equals only the same bytes.
+    EXPECT_TRUE(values::EqualIgnoringCase("a\x80", "A\x80"));
+    EXPECT_FALSE(values::EqualIgnoringCase("\xC3", "\xC3\xB1"));
+    EXPECT_FALSE(values::EqualIgnoringCase("\xC3", "\xC4"));
+}
+
+// Folded texts serve as look-up keys, so they must agree with the comparison on every pair.
+TEST(CaseFold, FoldedTextsAreEqualExactlyWhenTheTextsCompareEqual) {
+    const char* texts[] = {"Ñandú-1", "ñANDÚ-1", "",         "Ñ",    "N", "ab", "abc", "a\x80",
+                           "A\x80",   "\xC3",    "\xC3\xB1", "\xC4", "ς", "Σ",  "ſ",   "S"};
+    for (const char* a : texts) {
+        for (const char* b : texts) {
+            EXPECT_EQ(values::FoldedText(a) == values::FoldedText(b),
+                      values::EqualIgnoringCase(a, b))
+                << a << " / " << b;
+        }
+    }
+}

@@ -146,7 +146,13 @@ TEST(TaskTableTest, PoolGrowsAndKeepsItsRecordsAcrossLoads) {
 
 TEST(TaskTableTest, LooksUpByRowWbsAndCode) {
     ProjectJson project;
-    AddNames(project, {{1, "Design"}, {2, "UX: wireframes"}, {2, "api-spec"}, {3, "Review#2"}});
+    AddNames(project, {{1, "Design"},
+                       {2, "UX: wireframes"},
+                       {2, "api-spec"},
+                       {3, "Review#2"},
+                       {1, "Ñ1: Ölçüm"},
+                       {1, "Σχέδιο"},
+                       {1, "ПЛАН-1"}});
     Load(project);
     for (TaskRecord* task = Tasks_First(); task != nullptr; task = Tasks_Next(*task)) {
         TaskRecord_ReadRow(*task);
@@ -161,6 +167,11 @@ TEST(TaskTableTest, LooksUpByRowWbsAndCode) {
     EXPECT_EQ(Tasks_ByCode("ux")->row, kFirst + 1);
     EXPECT_EQ(Tasks_ByCode("REVIEW")->row, kFirst + 3);
     EXPECT_EQ(Tasks_ByCode("api-spec"), nullptr);
+    // Every letter folds, not only A to Z: Latin-1, Greek (with its final sigma), Cyrillic.
+    EXPECT_EQ(Tasks_ByCode("ñ1")->row, kFirst + 4);
+    EXPECT_EQ(Tasks_ByCode("σχέδιος"), nullptr);
+    EXPECT_EQ(Tasks_ByCode("ΣΧΈΔΙΟ")->row, kFirst + 5);
+    EXPECT_EQ(Tasks_ByCode("план")->row, kFirst + 6);
     EXPECT_EQ(Tasks_Find("1.2")->row, kFirst + 2);
     EXPECT_EQ(Tasks_Find("9"), nullptr);
     EXPECT_EQ(Tasks_AncestorRows(kFirst + 3),
