@@ -27,14 +27,24 @@
 
 namespace {
 
-// Every command measured. A command that becomes built is measured by adding its line here.
+// Every command measured. A command that becomes built is measured by adding its line here. The
+// commands that work from what the update leaves behind (the task table, the earned values) are
+// measured after an update, which is not counted.
 struct Command {
     const char* name;
     std::function<void()> run;
+    bool afterUpdate = false;
 };
 const Command kCommands[] = {
     {"kpUpdateWBS", [] { kpUpdateWBS(); }},
     {"kpWBSReschedule", [] { kpWBSReschedule(); }},
+    {"kpDrawGanntChart", [] { kpDrawGanntChart(1); }},
+    {"kpDrawCalendar", [] { kpDrawCalendar(0); }},
+    {"kpWBSFilter", [] { kpWBSFilter(); }, true},
+    {"kpDrawProgressLines", [] { kpDrawProgressLines(); }, true},
+    {"kpEVMByTask", [] { kpEVMByTask(); }, true},
+    {"kpEVMByProject", [] { kpEVMByProject(1, 1); }, true},
+    {"kpWorkload", [] { kpWorkload(1, 1); }, true},
 };
 
 // The targets: the update's calls per task and time, every command's growth, the memory.
@@ -132,6 +142,7 @@ int MeasureHere(const std::string& sampleJson, const std::string& what, int task
         IDispatch* workbook = sheethost::NewWorkbookObject(book);
         StartEngine(workbook);
         const Command& command = CommandNamed(what == "save" ? "kpUpdateWBS" : what);
+        if (command.afterUpdate) kpUpdateWBS();
         sheethost::ResetCallCount();
         const auto start = std::chrono::steady_clock::now();
         command.run();
@@ -172,9 +183,11 @@ int Profile(const std::string& sampleJson, const std::string& name, int tasks) {
     const auto book = Project(sampleJson, tasks);
     IDispatch* workbook = sheethost::NewWorkbookObject(book);
     StartEngine(workbook);
+    const Command& command = CommandNamed(name);
+    if (command.afterUpdate) kpUpdateWBS();
     std::vector<std::string> log;
     sheethost::SetMemberLog(&log);
-    CommandNamed(name).run();
+    command.run();
     sheethost::SetMemberLog(nullptr);
     kpQuit();
     workbook->Release();

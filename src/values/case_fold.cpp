@@ -138,4 +138,10 @@ bool EqualIgnoringCase(std::string_view a, std::string_view b) {
     return atA == a.size() && atB == b.size();
 }
 
+std::u32string FoldedText(std::string_view text) {
+    std::u32string folded;
+    for (std::size_t at = 0; at < text.size();) folded.push_back(FoldCase(NextCode(text, at)));
+    return folded;
+}
+
 }  // namespace values

@@ -2,6 +2,7 @@
 // task names in, not only A to Z.
 #pragma once
 
+#include <string>
 #include <string_view>
 
 namespace values {
@@ -14,5 +15,9 @@ char32_t FoldCase(char32_t code);
 // Two UTF-8 texts equal once every code point is folded; a byte that does not begin a valid
 // sequence compares as itself.
 bool EqualIgnoringCase(std::string_view a, std::string_view b);
+
+// The folded code points of a UTF-8 text, equal for two texts exactly when EqualIgnoringCase holds:
+// a key for looking texts up without regard to case.
+std::u32string FoldedText(std::string_view text);
 
 }  // namespace values

@@ -66,6 +66,27 @@ class NameCells {
     std::vector<CellValues> blocks_;
 };
 
+bool InTable(const TaskRecord& record) {
+    return Tasks_ByRow(record.row) == &record;
+}
+
+void IndexCode(TaskTable& table, TaskRecord& record) {
+    auto& tasks = table.byCode[values::FoldedText(TaskNameHead(record))];
+    const auto at = std::ranges::upper_bound(tasks, record.row, {}, &TaskRecord::row);
+    tasks.insert(at, &record);
+}
+
+void UnindexCode(TaskTable& table, TaskRecord& record) {
+    const auto entry = table.byCode.find(values::FoldedText(TaskNameHead(record)));
+    if (entry == table.byCode.end()) {
+        return;
+    }
+    std::erase(entry->second, &record);
+    if (entry->second.empty()) {
+        table.byCode.erase(entry);
+    }
+}
+
 // Places a time of day read from the task sheet on the task's calendar day. A time earlier than the
 // day's working start belongs to the next calendar day: the working period runs past midnight.
 double OnCalendarDay(double timeOfDay, const CalendarDay& day) {
@@ -163,6 +184,7 @@ void TaskTable_Load() {
     DeriveOutline(table, names);
     GrowPool(table);
     table.byWbs.Clear(false);
+    table.byCode.clear();
     for (std::int64_t k = 0; k < table.taskCount; ++k) {
         TaskRecord& record = *table.pool.ItemAt(k + 1);
         record.row = settings.firstTaskRow + k;
@@ -171,6 +193,7 @@ void TaskTable_Load() {
         record.isLeaf = Outline_IsLeaf(record);
         record.groupIndex = GroupIndex(record.wbsNo, settings);
         table.byWbs.Add(record.wbsNo, &record);
+        IndexCode(table, record);
     }
 }
 
@@ -198,7 +221,15 @@ void TaskRecord_ReadRow(TaskRecord& record) {
     const auto wide = [&](std::int64_t column) { return row.Wide(0, column - left); };
     const auto number = [&](std::int64_t column) { return row.Number(0, column - left); };
 
+    // The name decides the task's code: the index moves the record to its new code.
+    const bool indexed = InTable(record);
+    if (indexed) {
+        UnindexCode(EngineTasks(), record);
+    }
     BstrSet(record.nameCell, wide(nameColumn));
+    if (indexed) {
+        IndexCode(EngineTasks(), record);
+    }
     BstrSet(record.typeCell, wide(settings.taskTypeColNo));
     BstrSet(record.resourceCell, wide(settings.resourceColNo));
     record.pvText = text(settings.pvByTaskColNo);
@@ -245,12 +276,9 @@ TaskRecord* Tasks_ByWbs(std::string_view wbsText) {
 }
 
 TaskRecord* Tasks_ByCode(std::string_view code) {
-    for (TaskRecord* task = Tasks_First(); task != nullptr; task = Tasks_Next(*task)) {
-        if (values::EqualIgnoringCase(TaskNameHead(*task), code)) {
-            return task;
-        }
-    }
-    return nullptr;
+    const auto& byCode = EngineTasks().byCode;
+    const auto entry = byCode.find(values::FoldedText(code));
+    return entry == byCode.end() ? nullptr : entry->second.front();
 }
 
 TaskRecord* Tasks_Find(std::string_view reference) {

@@ -14,6 +14,8 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <unordered_map>
+#include <vector>
 
 #include "calendar/calendar.h"
 #include "core/strdict.h"
@@ -92,6 +94,9 @@ struct TaskTable {
     // WBS number -> record, in sheet order: entry n is the n-th task row.
     StrDict<TaskRecord> byWbs{Ownership::kIndexesOnly};
     std::int64_t taskCount = 0;
+    // Case-folded task code -> the tasks with that code, in sheet order. Follows the names the
+    // records hold, stale ones included, so a look-up finds what a walk down the table would.
+    std::unordered_map<std::u32string, std::vector<TaskRecord*>> byCode;
     // "1", "2", ... -> record; owns every record.
     StrDict<TaskRecord> pool{Ownership::kOwnsRecords};
     std::int64_t poolSize = 0;

@@ -136,3 +136,16 @@ TEST(CaseFold, ComparesWholeUtf8TextsAndKeepsBrokenBytesApart) {
     EXPECT_FALSE(values::EqualIgnoringCase("\xC3", "\xC3\xB1"));
     EXPECT_FALSE(values::EqualIgnoringCase("\xC3", "\xC4"));
 }
+
+// Folded texts serve as look-up keys, so they must agree with the comparison on every pair.
+TEST(CaseFold, FoldedTextsAreEqualExactlyWhenTheTextsCompareEqual) {
+    const char* texts[] = {"Ñandú-1", "ñANDÚ-1", "",         "Ñ",    "N", "ab", "abc", "a\x80",
+                           "A\x80",   "\xC3",    "\xC3\xB1", "\xC4", "ς", "Σ",  "ſ",   "S"};
+    for (const char* a : texts) {
+        for (const char* b : texts) {
+            EXPECT_EQ(values::FoldedText(a) == values::FoldedText(b),
+                      values::EqualIgnoringCase(a, b))
+                << a << " / " << b;
+        }
+    }
+}

@@ -181,6 +181,50 @@ TEST(TaskTableTest, LooksUpByRowWbsAndCode) {
     EXPECT_EQ(WbsLevel("1.2,3"), 3);
 }
 
+// The look-up by code answers from an index; it must keep answering what a walk down the table
+// would: the first task in sheet order, after renames and reloads alike.
+TEST(TaskTableTest, CodeLookUpFollowsRenamesAndSheetOrder) {
+    ProjectJson project;
+    AddNames(project, {{1, "Plan"}, {2, "ops: one"}, {2, "Build"}, {2, "OPS-two"}});
+    Load(project);
+    for (TaskRecord* task = Tasks_First(); task != nullptr; task = Tasks_Next(*task)) {
+        TaskRecord_ReadRow(*task);
+    }
+    const std::int64_t nameColumn = ProjectJson::kFirstNameColumn + 1;
+    EXPECT_EQ(Tasks_ByCode("Ops")->row, kFirst + 1);
+
+    // The first "ops" task renamed: the second becomes the first, the new name is found.
+    EngineWbsSheet().SetCell(kFirst + 1, nameColumn, "Review");
+    TaskRecord_ReadRow(*Tasks_ByRow(kFirst + 1));
+    EXPECT_EQ(Tasks_ByCode("ops")->row, kFirst + 3);
+    EXPECT_EQ(Tasks_ByCode("review")->row, kFirst + 1);
+
+    // A task below taking the code does not displace the one above it.
+    EngineWbsSheet().SetCell(kFirst + 2, nameColumn, "ops#3");
+    TaskRecord_ReadRow(*Tasks_ByRow(kFirst + 2));
+    EXPECT_EQ(Tasks_ByCode("OPS")->row, kFirst + 2);
+
+    // Renamed back, the task above takes its place again; nothing answers to a name given up.
+    EngineWbsSheet().SetCell(kFirst + 1, nameColumn, "Ops|again");
+    TaskRecord_ReadRow(*Tasks_ByRow(kFirst + 1));
+    EXPECT_EQ(Tasks_ByCode("ops")->row, kFirst + 1);
+    EXPECT_EQ(Tasks_ByCode("review"), nullptr);
+
+    // Records are reused in pool order, so after a reload a task answers to the name its record
+    // last read until its own row is read.
+    EngineSettings().firstTaskRow = kFirst + 2;
+    TaskTable_Load();
+    EXPECT_EQ(Tasks_ByCode("plan")->row, kFirst + 2);
+    EXPECT_EQ(Tasks_ByCode("ops")->row, kFirst + 3);
+    for (TaskRecord* task = Tasks_First(); task != nullptr; task = Tasks_Next(*task)) {
+        TaskRecord_ReadRow(*task);
+    }
+    // The new top row is a top-level task, named in the first name column, which is empty.
+    EXPECT_EQ(Tasks_ByCode("plan"), nullptr);
+    EXPECT_EQ(Tasks_ByCode("")->row, kFirst + 2);
+    EXPECT_EQ(Tasks_ByCode("ops")->row, kFirst + 3);
+}
+
 // "Prepare" and "Launch" head the two groups; "Go live" (group 2) falls on 2 April.
 class ReadRowTest : public ::testing::Test {
   protected:
