@@ -212,8 +212,11 @@ void TaskRecord_ReadRow(TaskRecord& record) {
                                     settings.actualEndDateColNo,
                                     settings.percentCompleteColNo,
                                     settings.predecessorsColNo};
-    const auto [left, right] = std::ranges::minmax(columns);
-    const CellValues row = ReadCellBlock(EngineWbsSheet(), record.row, left, record.row, right);
+    // Named bounds rather than a structured binding: older compilers cannot capture bindings.
+    const auto bounds = std::ranges::minmax(columns);
+    const std::int64_t left = bounds.min;
+    const CellValues row =
+        ReadCellBlock(EngineWbsSheet(), record.row, left, record.row, bounds.max);
     const auto text = [&](std::int64_t column) { return row.Text(0, column - left); };
     const auto wide = [&](std::int64_t column) { return row.Wide(0, column - left); };
     const auto number = [&](std::int64_t column) { return row.Number(0, column - left); };
