@@ -6,8 +6,10 @@
 #include <string>
 
 #include "cli/workbook_layout.h"
+#include "gantt/gantt.h"
 #include "sheethost/formula.h"
 #include "sheethost/sheethost.h"
+#include "wbs/filter.h"
 
 using nlohmann::json;
 
@@ -172,7 +174,7 @@ json SettingsSheet(json& names, const std::string& bodyRange) {
         cells["G" + std::to_string(typeRow)] = shown;
         ++typeRow;
     }
-    names[std::string(kTaskTypeName)] = "=Settings!$F$3:$G$" + std::to_string(typeRow - 1);
+    names[std::string(kTaskTypeTable)] = "=Settings!$F$3:$G$" + std::to_string(typeRow - 1);
 
     // The templates, each named in column I beside where it stands.
     cells["I2"] = Header("Templates");

@@ -29,7 +29,7 @@ struct CommonOptions {
     bool overwrite = false;
     std::string now;
     std::string rows;
-    std::optional<std::string> filterSpec;
+    std::optional<std::string> filterSetting;
 };
 
 void AddCommonOptions(CLI::App& command, CommonOptions& options, bool withRows) {
@@ -48,8 +48,8 @@ void AddCommonOptions(CLI::App& command, CommonOptions& options, bool withRows) 
     }
 }
 
-void AddFilterSpecOption(CLI::App& command, CommonOptions& options) {
-    command.add_option("--spec", options.filterSpec,
+void AddFilterOption(CLI::App& command, CommonOptions& options) {
+    command.add_option("--spec", options.filterSetting,
                        "Write the filter \"MODE,ARGUMENT\" into the settings sheet's cell A500 "
                        "first, as the workbook's filter dialog does (see the filter command's "
                        "help for the modes)");
@@ -82,7 +82,7 @@ int Run(const CommonOptions& options, const std::vector<CommandCall>& calls) {
         }
         session.selectedRows = rows;
     }
-    session.filterSpec = options.filterSpec;
+    session.filterSetting = options.filterSetting;
     session.userEdits = options.userEdits;
     if (!options.output.empty() && !options.overwrite &&
         WouldReplaceInput(options.output, options.workbook)) {
@@ -226,7 +226,7 @@ int main(int argc, char** argv) {
             sub->footer(command.details);
         }
         if (std::string_view(command.name) == "filter") {
-            AddFilterSpecOption(*sub, options);
+            AddFilterOption(*sub, options);
         }
     }
 
@@ -235,7 +235,7 @@ int main(int argc, char** argv) {
         "Run several commands in one engine lifetime, in order, as the workbook's macros "
         "would call them one after another");
     AddCommonOptions(*run, options, true);
-    AddFilterSpecOption(*run, options);
+    AddFilterOption(*run, options);
     std::vector<std::string> words;
     run->add_option("COMMAND", words,
                     "A command name, with its whole-number arguments after a colon: update-wbs, "

@@ -31,11 +31,11 @@ void SelectRows(sheethost::Workbook& book, RowSpan rows) {
     }
 }
 
-void WriteFilterSpec(sheethost::Workbook& book, const std::string& spec) {
+void WriteFilterSetting(sheethost::Workbook& book, const std::string& setting) {
     for (const auto& sheet : book.sheets) {
         if (sheet->codeName == "wsSettings") {
-            const sheethost::Area cell = *sheethost::ParseArea(kFilterSpecCell);
-            sheethost::CellAt(*sheet, cell.top, cell.left).value = spec;
+            const sheethost::Area cell = *sheethost::ParseArea(kFilterCell);
+            sheethost::CellAt(*sheet, cell.top, cell.left).value = setting;
             return;
         }
     }
@@ -55,8 +55,8 @@ bool WithPrimedEngine(const std::shared_ptr<sheethost::Workbook>& book,
     if (options.selectedRows) {
         SelectRows(*book, *options.selectedRows);
     }
-    if (options.filterSpec) {
-        WriteFilterSpec(*book, *options.filterSpec);
+    if (options.filterSetting) {
+        WriteFilterSetting(*book, *options.filterSetting);
     }
     HostReference workbook{sheethost::NewWorkbookObject(book)};
 

@@ -30,7 +30,7 @@ struct SessionOptions {
     std::optional<RowSpan> selectedRows;
     // Written into the settings sheet's filter cell before the first command, as the workbook's
     // filter dialog writes it.
-    std::optional<std::string> filterSpec;
+    std::optional<std::string> filterSetting;
     // A user's edits of the task sheet, replayed with their sheet events after the commands.
     std::vector<sheethost::UserEdit> userEdits;
 };

@@ -11,35 +11,6 @@
 
 namespace {
 
-// The column settings, by the name of their cell.
-struct ColumnSetting {
-    const char* key;
-    std::string SettingsRecord::*letters;
-    std::int64_t SettingsRecord::*number;
-};
-
-constexpr ColumnSetting kColumnSettings[] = {
-    {"WSFirstCol", &SettingsRecord::firstCol, &SettingsRecord::firstColNo},
-    {"WSLastCol", &SettingsRecord::lastCol, &SettingsRecord::lastColNo},
-    {"WSCalendarFirstCol", &SettingsRecord::calendarFirstCol, &SettingsRecord::calendarFirstColNo},
-    {"WSWBSNoCol", &SettingsRecord::wbsNoCol, &SettingsRecord::wbsNoColNo},
-    {"WSTaskNameCol", &SettingsRecord::taskNameCol, &SettingsRecord::taskNameColNo},
-    {"WSTaskTypeCol", &SettingsRecord::taskTypeCol, &SettingsRecord::taskTypeColNo},
-    {"WSResourceCol", &SettingsRecord::resourceCol, &SettingsRecord::resourceColNo},
-    {"WSPVByTaskCol", &SettingsRecord::pvByTaskCol, &SettingsRecord::pvByTaskColNo},
-    {"WSACByTaskCol", &SettingsRecord::acByTaskCol, &SettingsRecord::acByTaskColNo},
-    {"WSPlannedStartDateCol", &SettingsRecord::plannedStartDateCol,
-     &SettingsRecord::plannedStartDateColNo},
-    {"WSPlannedEndDateCol", &SettingsRecord::plannedEndDateCol,
-     &SettingsRecord::plannedEndDateColNo},
-    {"WSActualStartDateCol", &SettingsRecord::actualStartDateCol,
-     &SettingsRecord::actualStartDateColNo},
-    {"WSActualEndDateCol", &SettingsRecord::actualEndDateCol, &SettingsRecord::actualEndDateColNo},
-    {"WSPercentCompleteCol", &SettingsRecord::percentCompleteCol,
-     &SettingsRecord::percentCompleteColNo},
-    {"WSPredecessorsCol", &SettingsRecord::predecessorsCol, &SettingsRecord::predecessorsColNo},
-};
-
 // "WSFirstTaskRow (cell $C$5 of the settings sheet "Settings")".
 std::string Place(const char* key) {
     const XlObject sheet = EngineSettingsSheet();
@@ -63,7 +34,7 @@ bool SettingsAreUsable() {
         refuse(Place("WSFirstTaskRow") + " is " + std::to_string(settings.firstTaskRow) +
                ": the first task row must be a row of the sheet, 1 to 1,048,576.");
     }
-    for (const ColumnSetting& column : kColumnSettings) {
+    for (const ColumnSetting& column : ColumnSettings()) {
         const std::string& letters = settings.*column.letters;
         const std::int64_t number = settings.*column.number;
         const bool names = column.number == &SettingsRecord::taskNameColNo;

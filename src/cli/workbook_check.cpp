@@ -6,6 +6,7 @@
 #include <optional>
 
 #include "cli/workbook_layout.h"
+#include "gantt/gantt.h"
 #include "sheethost/address.h"
 #include "sheethost/cell_values.h"
 #include "sheethost/formula.h"
@@ -158,7 +159,7 @@ class LayoutCheck {
             }
         }
         const auto tableName =
-            sheethost::ResolveAddress(book_, settings, std::string(kTaskTypeName));
+            sheethost::ResolveAddress(book_, settings, std::string(kTaskTypeTable));
         if (!tableName || tableName->sheet != settings) {
             Add(false, sheethost::QuotedSheetName(settings->name),
                 "no range of this sheet is named TaskType (task types and the text shown once "

@@ -43,6 +43,3 @@ struct SheetRole {
 
 const std::vector<SheetRole>& SheetRoles();
 
-// The named two-column table of task types on the settings sheet, and the filter cell there.
-inline constexpr std::string_view kTaskTypeName = "TaskType";
-inline constexpr std::string_view kFilterCell = "A500";

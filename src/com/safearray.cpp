@@ -10,46 +10,12 @@
 #include <vector>
 
 #include "com/com.h"
+#include "com/variant_types.h"
 
 namespace {
 
 // Room in front of the descriptor; its last bytes hold the element type, as on the system.
 constexpr std::size_t kPrefix = 16;
-
-std::size_t ElementSize(VARTYPE type) {
-    switch (type) {
-        case VT_I1:
-        case VT_UI1:
-            return 1;
-        case VT_I2:
-        case VT_UI2:
-        case VT_BOOL:
-            return 2;
-        case VT_I4:
-        case VT_UI4:
-        case VT_R4:
-        case VT_ERROR:
-        case VT_INT:
-        case VT_UINT:
-            return 4;
-        case VT_R8:
-        case VT_CY:
-        case VT_DATE:
-        case VT_I8:
-        case VT_UI8:
-            return 8;
-        case VT_BSTR:
-        case VT_DISPATCH:
-        case VT_UNKNOWN:
-            return sizeof(void*);
-        case VT_VARIANT:
-            return sizeof(VARIANT);
-        case VT_DECIMAL:
-            return sizeof(DECIMAL);
-        default:
-            return 0;
-    }
-}
 
 USHORT FeaturesOf(VARTYPE type) {
     switch (type) {
@@ -172,7 +138,7 @@ void ReleaseElement(const SAFEARRAY* array, void* element) {
 }  // namespace
 
 SAFEARRAY* SafeArrayCreate(VARTYPE type, UINT dimensions, SAFEARRAYBOUND* bounds) {
-    const std::size_t elementSize = ElementSize(type);
+    const std::size_t elementSize = ValueSize(type);
     std::size_t count = 0;
     if (elementSize == 0 || dimensions == 0 || dimensions > 0xFFFF || bounds == nullptr ||
         !CountElements(bounds, dimensions, elementSize, count)) {
@@ -313,6 +279,41 @@ HRESULT SafeArrayPutElement(SAFEARRAY* array, LONG* indices, void* value) {
     ReleaseElement(array, element);
     std::memcpy(element, copy, array->cbElements);
     return S_OK;
+}
+
+std::size_t ValueSize(VARTYPE type) {
+    switch (type) {
+        case VT_I1:
+        case VT_UI1:
+            return 1;
+        case VT_I2:
+        case VT_UI2:
+        case VT_BOOL:
+            return 2;
+        case VT_I4:
+        case VT_UI4:
+        case VT_R4:
+        case VT_ERROR:
+        case VT_INT:
+        case VT_UINT:
+            return 4;
+        case VT_R8:
+        case VT_CY:
+        case VT_DATE:
+        case VT_I8:
+        case VT_UI8:
+            return 8;
+        case VT_BSTR:
+        case VT_DISPATCH:
+        case VT_UNKNOWN:
+            return sizeof(void*);
+        case VT_VARIANT:
+            return sizeof(VARIANT);
+        case VT_DECIMAL:
+            return sizeof(DECIMAL);
+        default:
+            return 0;
+    }
 }
 
 #endif  // _WIN32

@@ -376,25 +376,9 @@ HRESULT Dereference(const VARIANT& source, VARIANT& value) {
         case VT_CY:
         case VT_DECIMAL:
             return DISP_E_BADVARTYPE;
-        case VT_I1:
-        case VT_UI1:
-            std::memcpy(&value.bVal, source.byref, 1);
-            break;
-        case VT_I2:
-        case VT_UI2:
-        case VT_BOOL:
-            std::memcpy(&value.iVal, source.byref, 2);
-            break;
-        case VT_I4:
-        case VT_UI4:
-        case VT_R4:
-        case VT_ERROR:
-        case VT_INT:
-        case VT_UINT:
-            std::memcpy(&value.lVal, source.byref, 4);
-            break;
         default:
-            std::memcpy(&value.llVal, source.byref, 8);
+            // Every other value starts at the front of the variant's value union.
+            std::memcpy(&value.llVal, source.byref, ValueSize(base));
             break;
     }
     value.vt = base;

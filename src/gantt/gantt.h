@@ -20,6 +20,8 @@ inline constexpr char kBarTemplate[] = "GanntBar";
 inline constexpr char kResourceBarTemplate[] = "GanntBarByRes";
 inline constexpr char kConnectorTemplate[] = "TaskConnector";
 inline constexpr char kProgressLineTemplate[] = "ProgressLines";
+// The named two-column table of the settings sheet: a task type, and the text shown for it.
+inline constexpr char kTaskTypeTable[] = "TaskType";
 // Named cell of the settings sheet holding the bar style the last drawing used.
 inline constexpr char kBarStyleCell[] = "GanntBarStyle";
 

@@ -6,13 +6,7 @@
 #include "calendar/task_tests.h"
 #include "core/engine_state.h"
 #include "gantt/drawing.h"
-
-namespace {
-
-// The named two-column table on the settings sheet: type text, text shown once started.
-constexpr char kTaskTypeTable[] = "TaskType";
-
-}  // namespace
+#include "gantt/gantt.h"
 
 WideString LookupTaskTypeLabel(WideStringView type) {
     const XlObject table = EngineSettingsSheet().RangeOf(kTaskTypeTable);

@@ -53,36 +53,6 @@ constexpr SettingKey kKeys[] = {
     {"WSResourceRateCol", &SettingsRecord::resourceRateCol, nullptr},
 };
 
-// Each column number and the letters it is derived from.
-struct ColumnField {
-    std::int64_t SettingsRecord::*number;
-    std::string SettingsRecord::*letters;
-};
-
-constexpr ColumnField kColumns[] = {
-    {&SettingsRecord::firstColNo, &SettingsRecord::firstCol},
-    {&SettingsRecord::lastColNo, &SettingsRecord::lastCol},
-    {&SettingsRecord::calendarFirstColNo, &SettingsRecord::calendarFirstCol},
-    {&SettingsRecord::wbsNoColNo, &SettingsRecord::wbsNoCol},
-    {&SettingsRecord::taskNameColNo, &SettingsRecord::taskNameCol},
-    {&SettingsRecord::taskTypeColNo, &SettingsRecord::taskTypeCol},
-    {&SettingsRecord::resourceColNo, &SettingsRecord::resourceCol},
-    {&SettingsRecord::pvByTaskColNo, &SettingsRecord::pvByTaskCol},
-    {&SettingsRecord::acByTaskColNo, &SettingsRecord::acByTaskCol},
-    {&SettingsRecord::plannedStartDateColNo, &SettingsRecord::plannedStartDateCol},
-    {&SettingsRecord::plannedEndDateColNo, &SettingsRecord::plannedEndDateCol},
-    {&SettingsRecord::actualStartDateColNo, &SettingsRecord::actualStartDateCol},
-    {&SettingsRecord::actualEndDateColNo, &SettingsRecord::actualEndDateCol},
-    {&SettingsRecord::percentCompleteColNo, &SettingsRecord::percentCompleteCol},
-    {&SettingsRecord::predecessorsColNo, &SettingsRecord::predecessorsCol},
-    {&SettingsRecord::durationColNo, &SettingsRecord::durationCol},
-    {&SettingsRecord::loadColNo, &SettingsRecord::loadCol},
-    {&SettingsRecord::resourceRateColNo, &SettingsRecord::resourceRateCol},
-};
-
-// The host has no rows beyond this one; reads past it fail like reads of a missing sheet, which
-// would otherwise keep the border scan going for ever.
-constexpr std::int64_t kLastSheetRow = 1048576;
 constexpr int kRightEdge = 10;
 constexpr double kNoLine = -4142;
 
@@ -135,7 +105,7 @@ bool LoadSettings() {
     }
     settings.rescheduleFlag = 0;
 
-    for (const ColumnField& column : kColumns) {
+    for (const ColumnSetting& column : ColumnSettings()) {
         settings.*column.number = ColumnNumber(settings.*column.letters);
     }
     settings.resourceToPvCols = settings.pvByTaskColNo - settings.resourceColNo;
@@ -158,7 +128,9 @@ std::int64_t LastTableRow() {
     const SettingsRecord& settings = EngineSettings();
     const XlObject sheet = EngineWbsSheet();
     std::int64_t row = settings.firstTaskRow;
-    while (row <= kLastSheetRow) {
+    // Reads past the sheet's last row fail like reads of a missing sheet, which would otherwise
+    // keep the border scan going for ever.
+    while (row <= kSheetRows) {
         const XlObject lastCell = sheet.RangeOf(settings.lastCol + std::to_string(row));
         if (lastCell.GetNumberArg("Borders(%d).LineStyle", kRightEdge) == kNoLine) break;
         ++row;
@@ -174,4 +146,34 @@ void CreateSettingsRecord() {
 void FreeSettingsRecord() {
     delete Engine().settings;
     Engine().settings = nullptr;
+}
+
+std::span<const ColumnSetting> ColumnSettings() {
+    static constexpr ColumnSetting kColumns[] = {
+        {"WSFirstCol", &SettingsRecord::firstCol, &SettingsRecord::firstColNo},
+        {"WSLastCol", &SettingsRecord::lastCol, &SettingsRecord::lastColNo},
+        {"WSCalendarFirstCol", &SettingsRecord::calendarFirstCol,
+         &SettingsRecord::calendarFirstColNo},
+        {"WSWBSNoCol", &SettingsRecord::wbsNoCol, &SettingsRecord::wbsNoColNo},
+        {"WSTaskNameCol", &SettingsRecord::taskNameCol, &SettingsRecord::taskNameColNo},
+        {"WSTaskTypeCol", &SettingsRecord::taskTypeCol, &SettingsRecord::taskTypeColNo},
+        {"WSResourceCol", &SettingsRecord::resourceCol, &SettingsRecord::resourceColNo},
+        {"WSPVByTaskCol", &SettingsRecord::pvByTaskCol, &SettingsRecord::pvByTaskColNo},
+        {"WSACByTaskCol", &SettingsRecord::acByTaskCol, &SettingsRecord::acByTaskColNo},
+        {"WSPlannedStartDateCol", &SettingsRecord::plannedStartDateCol,
+         &SettingsRecord::plannedStartDateColNo},
+        {"WSPlannedEndDateCol", &SettingsRecord::plannedEndDateCol,
+         &SettingsRecord::plannedEndDateColNo},
+        {"WSActualStartDateCol", &SettingsRecord::actualStartDateCol,
+         &SettingsRecord::actualStartDateColNo},
+        {"WSActualEndDateCol", &SettingsRecord::actualEndDateCol,
+         &SettingsRecord::actualEndDateColNo},
+        {"WSPercentCompleteCol", &SettingsRecord::percentCompleteCol,
+         &SettingsRecord::percentCompleteColNo},
+        {"WSPredecessorsCol", &SettingsRecord::predecessorsCol, &SettingsRecord::predecessorsColNo},
+        {"WSDurationCol", &SettingsRecord::durationCol, &SettingsRecord::durationColNo},
+        {"WSLoadCol", &SettingsRecord::loadCol, &SettingsRecord::loadColNo},
+        {"WSResourceRateCol", &SettingsRecord::resourceRateCol, &SettingsRecord::resourceRateColNo},
+    };
+    return kColumns;
 }

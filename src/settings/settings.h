@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstdint>
+#include <span>
 #include <string>
 
 // Column fields hold the letters as the user typed them ("A", "AB"); their numbers are derived by
@@ -96,6 +97,15 @@ struct SettingsRecord {
 // column stands for) would divide by zero: the load then tells the user, records the runtime's
 // division error and returns false before changing anything, and the command must stop.
 bool LoadSettings();
+
+// A column setting: the named cell that holds its letters, and the column number derived from them.
+struct ColumnSetting {
+    const char* key;
+    std::string SettingsRecord::*letters;
+    std::int64_t SettingsRecord::*number;
+};
+// Every column setting, in the order the loader derives them.
+std::span<const ColumnSetting> ColumnSettings();
 
 // The engine's settings record: kpInit creates it empty, kpQuit frees it.
 void CreateSettingsRecord();

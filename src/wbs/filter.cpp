@@ -49,12 +49,12 @@ bool IsNumber(std::string_view text) {
     return !text.empty() && error == std::errc() && end == text.data() + text.size();
 }
 
-bool HasListedResource(const TaskRecord& task, const FilterSpec& spec) {
+bool HasListedResource(const TaskRecord& task, const FilterSetting& setting) {
     const SettingsRecord& settings = EngineSettings();
     const XlObject sheet = EngineWbsSheet();
     for (std::int64_t i = 0; i < settings.resourceToPvCols; ++i) {
         const std::string resource = sheet.Cell(task.row, settings.resourceColNo + i).GetValue();
-        if (!resource.empty() && spec.text.find("," + resource + ",") != std::string::npos) {
+        if (!resource.empty() && setting.text.find("," + resource + ",") != std::string::npos) {
             return true;
         }
     }
@@ -91,19 +91,19 @@ bool InRange(const TaskRecord& task, std::string_view argument) {
 
 }  // namespace
 
-FilterSpec ParseFilterSpec(std::string text) {
-    FilterSpec spec;
+FilterSetting ParseFilterSetting(std::string text) {
+    FilterSetting setting;
     const std::size_t comma = text.find(',');
     if (comma != std::string::npos) {
-        spec.mode = values::TextToInteger(std::string_view(text).substr(0, comma));
-        spec.argument = text.substr(comma + 1);
+        setting.mode = values::TextToInteger(std::string_view(text).substr(0, comma));
+        setting.argument = text.substr(comma + 1);
     }
-    spec.text = std::move(text);
-    return spec;
+    setting.text = std::move(text);
+    return setting;
 }
 
-FilterSpec ReadFilterSpec() {
-    return ParseFilterSpec(EngineSettingsSheet().RangeOf(kFilterSpecCell).GetValue());
+FilterSetting ReadFilterSetting() {
+    return ParseFilterSetting(EngineSettingsSheet().RangeOf(kFilterCell).GetValue());
 }
 
 void FilterCommand() {
@@ -113,8 +113,8 @@ void FilterCommand() {
 }
 
 std::string BuildFilterList() {
-    const FilterSpec spec = ReadFilterSpec();
-    if (spec.mode == 0) {
+    const FilterSetting setting = ReadFilterSetting();
+    if (setting.mode == 0) {
         return {};
     }
     // Codes, predecessors and dates of every task are needed before the first test: a match
@@ -126,12 +126,12 @@ std::string BuildFilterList() {
     const bool showSummary = settings.filterOptionShowSummary == 1;
     std::string list = ",";
     for (TaskRecord* task = Tasks_First(); task != nullptr; task = Tasks_Next(*task)) {
-        if (!MatchesFilter(*task, spec)) {
+        if (!MatchesFilter(*task, setting)) {
             continue;
         }
         list += RowText(task->row);
         // The summary skeleton of mode 6 is already what it shows.
-        if (spec.mode != 6 && showSummary) {
+        if (setting.mode != 6 && showSummary) {
             list += Tasks_AncestorRows(task->row);
         }
         if (settings.filterOptionShowDependence != 1) {
@@ -155,16 +155,16 @@ std::string BuildFilterList() {
     return list;
 }
 
-bool MatchesFilter(TaskRecord& task, const FilterSpec& spec) {
-    if (spec.mode != 6 && task.isLeaf == 0) {
+bool MatchesFilter(TaskRecord& task, const FilterSetting& setting) {
+    if (setting.mode != 6 && task.isLeaf == 0) {
         return false;
     }
     ComputeTaskEvm(task);
-    switch (spec.mode) {
+    switch (setting.mode) {
         case 1:
-            return HasListedResource(task, spec);
+            return HasListedResource(task, setting);
         case 2:
-            return InRange(task, spec.argument);
+            return InRange(task, setting.argument);
         case 3:
             return TaskHasType(task) && !ParseTaskCycle(task);
         case 4:
@@ -172,7 +172,7 @@ bool MatchesFilter(TaskRecord& task, const FilterSpec& spec) {
         case 5:
             return IsTaskComplete(task);
         case 6:
-            return task.level == 1 || (spec.argument == "1" && task.isLeaf == 0);
+            return task.level == 1 || (setting.argument == "1" && task.isLeaf == 0);
         case 7:
             return !task.predecessors.empty();
         case 8:

@@ -11,7 +11,7 @@
 #include "wbs/task_table.h"
 
 // The settings cell the filter dialog writes.
-inline constexpr char kFilterSpecCell[] = "A500";
+inline constexpr char kFilterCell[] = "A500";
 
 // What a task must satisfy to stay visible, by mode:
 //   0 everything is shown (no filter)
@@ -31,16 +31,17 @@ inline constexpr char kFilterSpecCell[] = "A500";
 //  12 in the last half of its planned time
 //  13 a recurring task (its resource cell names a cycle, "W2", "M")
 // Any other mode matches nothing. Only mode 6 matches summary tasks.
-struct FilterSpec {
+struct FilterSetting {
     std::int64_t mode = 0;
     std::string argument;
     // The whole cell text, in which mode 1 looks for ",name,".
     std::string text;
 };
 
-// The specification in the settings sheet's filter cell. Without a comma the mode is 0.
-FilterSpec ReadFilterSpec();
-FilterSpec ParseFilterSpec(std::string text);
+// The filter the user chose, as "MODE,ARGUMENT" in the settings sheet's filter cell. Without a
+// comma the mode is 0.
+FilterSetting ReadFilterSetting();
+FilterSetting ParseFilterSetting(std::string text);
 
 // The body of kpWBSFilter: builds the list, applies it and keeps it as the filter in force.
 void FilterCommand();
@@ -48,6 +49,6 @@ void FilterCommand();
 // every task's row first, so the tests see the sheet as it stands.
 std::string BuildFilterList();
 // The mode test. Computes the task's earned-value figures.
-bool MatchesFilter(TaskRecord& task, const FilterSpec& spec);
+bool MatchesFilter(TaskRecord& task, const FilterSetting& setting);
 // The rows of the tasks that name the task on `row` as a predecessor, each followed by ",".
 std::string DependentRows(std::int64_t row);

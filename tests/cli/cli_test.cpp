@@ -171,10 +171,10 @@ TEST(EngineSession, MovesOfOneRunFollowTheSelection) {
     EXPECT_EQ(wbs.selection.front().bottom, 23);
 }
 
-TEST(EngineSession, TheFilterSpecIsWrittenBeforeTheFilterRuns) {
+TEST(EngineSession, TheFilterSettingIsWrittenBeforeTheFilterRuns) {
     const auto book = SampleWorkbook();
     SessionOptions options;
-    options.filterSpec = "6,0";
+    options.filterSetting = "6,0";
     RunCommands(book, {"filter"}, options);
 
     const sheethost::Sheet& settings = *sheethost::FindSheet(*book, "Settings");

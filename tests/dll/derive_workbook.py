@@ -12,7 +12,7 @@ sample as it changes:
                    numbers and times typed as text, missing and unknown resources, violated links
   select:FIRST:LAST  whole rows FIRST to LAST selected on the task sheet, which is made the
                    active sheet, as a user selects rows before moving them
-  filter:SPEC      the filter cell A500 of the settings sheet set to SPEC ("5," or "1,CREW,"),
+  filter:TEXT      the filter cell A500 of the settings sheet set to TEXT ("5," or "1,CREW,"),
                    as the workbook's filter dialog writes it
 
 Variants join with "+": "select:21:22+filter:5,".
@@ -70,8 +70,8 @@ def select_rows(book, first, last):
     book["activeSheet"] = wbs["name"]
 
 
-def filter_spec(book, spec):
-    sheet_with_code(book, "wsSettings").setdefault("cells", {})["A500"] = spec
+def filter_setting(book, setting):
+    sheet_with_code(book, "wsSettings").setdefault("cells", {})["A500"] = setting
 
 
 VARIANTS = {
@@ -89,7 +89,7 @@ def apply_variant(book, variant):
         first, _, last = argument.partition(":")
         select_rows(book, int(first), int(last))
     elif name == "filter":
-        filter_spec(book, argument)
+        filter_setting(book, argument)
     elif variant in VARIANTS:
         VARIANTS[variant](book)
     else:

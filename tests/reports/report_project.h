@@ -12,17 +12,18 @@
 #include "engine/refresh.h"
 #include "sheethost/cell_values.h"
 #include "support/project_json.h"
+#include "support/times_of_day.h"
 #include "values/values.h"
 #include "wbs/task_table.h"
 
 namespace reportstest {
 
-using testsupport::ProjectJson;
+using testsupport::k0800;
+using testsupport::k1000;
+using testsupport::k1200;
+using testsupport::k1700;
 
-inline constexpr double k0800 = 8.0 / 24;
-inline constexpr double k1000 = 10.0 / 24;
-inline constexpr double k1200 = 12.0 / 24;
-inline constexpr double k1700 = 17.0 / 24;
+using testsupport::ProjectJson;
 
 class ReportProject : public ::testing::Test {
   protected:

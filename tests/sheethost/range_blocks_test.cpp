@@ -4,6 +4,7 @@
 
 #include <memory>
 
+#include "com/variant_testing.h"
 #include "support/host_calls.h"
 
 namespace {
@@ -13,21 +14,13 @@ using hosttest::Put;
 using hosttest::Text;
 using hosttest::TypeOf;
 
-struct OwnedVariant {
-    OwnedVariant() { VariantInit(&value); }
-    OwnedVariant(const OwnedVariant&) = delete;
-    OwnedVariant& operator=(const OwnedVariant&) = delete;
-    ~OwnedVariant() { VariantClear(&value); }
-    VARIANT value;
-};
-
 // The element (row, column) of a block as the host's texts read it, with its type.
 std::string ElementText(SAFEARRAY* array, LONG row, LONG column, VARTYPE* type = nullptr) {
-    OwnedVariant element;
+    ScopedVariant element;
     LONG at[2] = {row, column};
     if (FAILED(SafeArrayGetElement(array, at, &element.value))) return "(no element)";
     if (type != nullptr) *type = element.value.vt;
-    OwnedVariant text;
+    ScopedVariant text;
     if (FAILED(VariantChangeTypeEx(&text.value, &element.value, LOCALE_INVARIANT, VARIANT_ALPHABOOL,
                                    VT_BSTR))) {
         return "(no text)";
@@ -36,14 +29,14 @@ std::string ElementText(SAFEARRAY* array, LONG row, LONG column, VARTYPE* type =
 }
 
 // rows x columns of VARIANT from 1, filled row by row from `texts`.
-void TextBlock(OwnedVariant& block, ULONG rows, ULONG columns,
+void TextBlock(ScopedVariant& block, ULONG rows, ULONG columns,
                std::initializer_list<const char*> texts) {
     SAFEARRAYBOUND bounds[2] = {{rows, 1}, {columns, 1}};
     block.value.vt = VT_ARRAY | VT_VARIANT;
     block.value.parray = SafeArrayCreate(VT_VARIANT, 2, bounds);
     LONG k = 0;
     for (const char* text : texts) {
-        OwnedVariant element;
+        ScopedVariant element;
         const WideString wide = Widen(text);
         element.value.vt = VT_BSTR;
         element.value.bstrVal = SysAllocStringLen(wide.data(), static_cast<UINT>(wide.size()));
@@ -63,13 +56,13 @@ class RangeBlocksTest : public hosttest::HostTest {
     }
 
     // The Value (or Value2) of a range, as it came.
-    void Read(const char* address, OwnedVariant& out, const char* member = "Value") {
+    void Read(const char* address, ScopedVariant& out, const char* member = "Value") {
         const std::string path = std::string(".Range(%s).") + member;
         ASSERT_EQ(automation::GetValue(OLESTR("%v"), &out.value, sheet.get(), Widen(path).c_str(),
                                        address),
                   S_OK);
     }
-    HRESULT Write(const char* address, OwnedVariant& block) {
+    HRESULT Write(const char* address, ScopedVariant& block) {
         return Put(sheet.get(), OLESTR(".Range(%s).Value=%v"), address, &block.value);
     }
     std::string At(const char* address) {
@@ -80,7 +73,7 @@ class RangeBlocksTest : public hosttest::HostTest {
 };
 
 TEST_F(RangeBlocksTest, ABlockReadsAsRowsByColumnsFromOneWithEachCellsOwnValue) {
-    OwnedVariant block;
+    ScopedVariant block;
     Read("H6:I9", block);
     ASSERT_EQ(block.value.vt, VT_ARRAY | VT_VARIANT);
     SAFEARRAY* array = block.value.parray;
@@ -107,21 +100,21 @@ TEST_F(RangeBlocksTest, ABlockReadsAsRowsByColumnsFromOneWithEachCellsOwnValue) 
     EXPECT_EQ(type, VT_ERROR);
 
     // Value2 never answers dates; a single cell answers its value, not an array.
-    OwnedVariant plain;
+    ScopedVariant plain;
     Read("H6:H7", plain, "Value2");
     VARTYPE plainType = VT_EMPTY;
     EXPECT_EQ(ElementText(plain.value.parray, 1, 1, &plainType), "45383");
     EXPECT_EQ(plainType, VT_R8);
     EXPECT_EQ(TypeOf(sheet.get(), OLESTR(".Range(%s).Value"), "H7:H7"), VT_R8);
     // Of several areas, the first answers.
-    OwnedVariant areas;
+    ScopedVariant areas;
     Read("H7:H8,H9", areas);
     SafeArrayGetUBound(areas.value.parray, 1, &rows);
     EXPECT_EQ(rows, 2);
 }
 
 TEST_F(RangeBlocksTest, AnArrayIsWrittenCellByCellAsIfTyped) {
-    OwnedVariant block;
+    ScopedVariant block;
     TextBlock(block, 2, 2, {"90", "1.2.3", "=B2*2", ""});
     ASSERT_EQ(Write("B2:C3", block), S_OK);
     EXPECT_EQ(TypeOf(sheet.get(), OLESTR(".Range(%s).Value"), "B2"), VT_R8);
@@ -131,7 +124,7 @@ TEST_F(RangeBlocksTest, AnArrayIsWrittenCellByCellAsIfTyped) {
     EXPECT_EQ(TypeOf(sheet.get(), OLESTR(".Range(%s).Value"), "C3"), VT_EMPTY);
 
     // Read back and written again, a block keeps its values.
-    OwnedVariant again;
+    ScopedVariant again;
     Read("B2:C3", again);
     ASSERT_EQ(Write("E2:F3", again), S_OK);
     EXPECT_EQ(Number(sheet.get(), OLESTR(".Range(%s).Value"), "E3"), 180);
@@ -139,13 +132,13 @@ TEST_F(RangeBlocksTest, AnArrayIsWrittenCellByCellAsIfTyped) {
 }
 
 TEST_F(RangeBlocksTest, ASingleRowRepeatsAndCellsPastALargerArrayGetNotAvailable) {
-    OwnedVariant row;
+    ScopedVariant row;
     TextBlock(row, 1, 2, {"a", "b"});
     ASSERT_EQ(Write("B5:C6", row), S_OK);
     EXPECT_EQ(At("B6"), "a");
     EXPECT_EQ(At("C6"), "b");
 
-    OwnedVariant square;
+    ScopedVariant square;
     TextBlock(square, 2, 2, {"1", "2", "3", "4"});
     ASSERT_EQ(Write("B8:D10", square), S_OK);
     EXPECT_EQ(At("C9"), "4");
@@ -153,7 +146,7 @@ TEST_F(RangeBlocksTest, ASingleRowRepeatsAndCellsPastALargerArrayGetNotAvailable
     EXPECT_EQ(Text(sheet.get(), OLESTR(".Range(%s).Formula"), "B10"), "#N/A");
 
     // A one-dimensional array is one row.
-    OwnedVariant line;
+    ScopedVariant line;
     SAFEARRAYBOUND bound{3, 0};
     line.value.vt = VT_ARRAY | VT_BSTR;
     line.value.parray = SafeArrayCreate(VT_BSTR, 1, &bound);
@@ -167,9 +160,9 @@ TEST_F(RangeBlocksTest, ASingleRowRepeatsAndCellsPastALargerArrayGetNotAvailable
 }
 
 TEST_F(RangeBlocksTest, AnArrayHoldingAnObjectIsRefused) {
-    OwnedVariant block;
+    ScopedVariant block;
     TextBlock(block, 1, 2, {"kept", ""});
-    OwnedVariant object;
+    ScopedVariant object;
     object.value.vt = VT_DISPATCH;
     object.value.pdispVal = sheet.get();
     sheet->AddRef();

@@ -12,26 +12,27 @@
 #include "engine/exports.h"
 #include "settings/settings.h"
 #include "support/project_json.h"
+#include "support/times_of_day.h"
 
 namespace {
 
-using testsupport::ProjectJson;
+using testsupport::k0800;
+using testsupport::k0900;
+using testsupport::k1000;
+using testsupport::k1200;
+using testsupport::k1300;
+using testsupport::k1400;
+using testsupport::k1500;
+using testsupport::k1600;
 
-constexpr double k0800 = 8.0 / 24;
-constexpr double k0900 = 9.0 / 24;
-constexpr double k1000 = 10.0 / 24;
-constexpr double k1200 = 12.0 / 24;
-constexpr double k1300 = 13.0 / 24;
-constexpr double k1400 = 14.0 / 24;
-constexpr double k1500 = 15.0 / 24;
-constexpr double k1600 = 16.0 / 24;
+using testsupport::ProjectJson;
 
 class FilterTest : public ::testing::Test {
   protected:
-    // Runs the filter with `spec` in the settings' filter cell; the task table is loaded by an
+    // Runs the filter with `setting` in the settings' filter cell; the task table is loaded by an
     // update first, as the workbook's users run it.
-    void Filter(const std::string& spec) {
-        EngineSettingsSheet().RangeOf(kFilterSpecCell).SetValue(spec);
+    void Filter(const std::string& setting) {
+        EngineSettingsSheet().RangeOf(kFilterCell).SetValue(setting);
         kpWBSFilter();
     }
 

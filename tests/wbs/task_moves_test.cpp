@@ -10,18 +10,19 @@
 #include "engine/exports.h"
 #include "sheethost/model.h"
 #include "support/project_json.h"
+#include "support/times_of_day.h"
 
 namespace {
 
-using testsupport::ProjectJson;
+using testsupport::k0800;
+using testsupport::k0830;
+using testsupport::k0900;
+using testsupport::k0930;
+using testsupport::k1000;
+using testsupport::k1030;
+using testsupport::k1100;
 
-constexpr double k0800 = 8.0 / 24;
-constexpr double k0830 = 8.5 / 24;
-constexpr double k0900 = 9.0 / 24;
-constexpr double k0930 = 9.5 / 24;
-constexpr double k1000 = 10.0 / 24;
-constexpr double k1030 = 10.5 / 24;
-constexpr double k1100 = 11.0 / 24;
+using testsupport::ProjectJson;
 
 class TaskMoves : public ::testing::Test {
   protected:

@@ -10,18 +10,19 @@
 #include "core/clock.h"
 #include "engine/exports.h"
 #include "support/project_json.h"
+#include "support/times_of_day.h"
 
 namespace {
 
-using testsupport::ProjectJson;
+using testsupport::k0800;
+using testsupport::k0900;
+using testsupport::k1100;
+using testsupport::k1300;
+using testsupport::k1400;
+using testsupport::k1600;
+using testsupport::k1700;
 
-constexpr double k0800 = 8.0 / 24;
-constexpr double k0900 = 9.0 / 24;
-constexpr double k1100 = 11.0 / 24;
-constexpr double k1300 = 13.0 / 24;
-constexpr double k1400 = 14.0 / 24;
-constexpr double k1600 = 16.0 / 24;
-constexpr double k1700 = 17.0 / 24;
+using testsupport::ProjectJson;
 
 constexpr int kNoColour = -4142;
 

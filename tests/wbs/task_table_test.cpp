@@ -148,7 +148,7 @@ TEST(TaskTableTest, LooksUpByRowWbsAndCode) {
     ProjectJson project;
     AddNames(project, {{1, "Design"},
                        {2, "UX: wireframes"},
-                       {2, "api-spec"},
+                       {2, "api-doc"},
                        {3, "Review#2"},
                        {1, "Ñ1: Ölçüm"},
                        {1, "Σχέδιο"},
@@ -166,7 +166,7 @@ TEST(TaskTableTest, LooksUpByRowWbsAndCode) {
     // reference that is no code is tried as a WBS number.
     EXPECT_EQ(Tasks_ByCode("ux")->row, kFirst + 1);
     EXPECT_EQ(Tasks_ByCode("REVIEW")->row, kFirst + 3);
-    EXPECT_EQ(Tasks_ByCode("api-spec"), nullptr);
+    EXPECT_EQ(Tasks_ByCode("api-doc"), nullptr);
     // Every letter folds, not only A to Z: Latin-1, Greek (with its final sigma), Cyrillic.
     EXPECT_EQ(Tasks_ByCode("ñ1")->row, kFirst + 4);
     EXPECT_EQ(Tasks_ByCode("σχέδιος"), nullptr);

@@ -8,20 +8,21 @@
 
 #include "engine/exports.h"
 #include "support/project_json.h"
+#include "support/times_of_day.h"
 #include "wbs/task_table.h"
 #include "wbs/wbs_update.h"
 
 namespace {
 
-using testsupport::ProjectJson;
+using testsupport::k0800;
+using testsupport::k0830;
+using testsupport::k0900;
+using testsupport::k0930;
+using testsupport::k1000;
+using testsupport::k1100;
+using testsupport::k1200;
 
-constexpr double k0800 = 8.0 / 24;
-constexpr double k0830 = 8.5 / 24;
-constexpr double k0900 = 9.0 / 24;
-constexpr double k0930 = 9.5 / 24;
-constexpr double k1000 = 10.0 / 24;
-constexpr double k1100 = 11.0 / 24;
-constexpr double k1200 = 12.0 / 24;
+using testsupport::ProjectJson;
 
 // Every task after row 13 names "3-Design" (code "3", WBS 1.1, 09:00 to 10:00) as its predecessor
 // in some form. Status markers are off so that only frames are drawn.

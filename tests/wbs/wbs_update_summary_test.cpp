@@ -11,20 +11,21 @@
 #include "settings/settings.h"
 #include "sheethost/dispatch_object.h"
 #include "support/project_json.h"
+#include "support/times_of_day.h"
 #include "wbs/task_table.h"
 #include "wbs/wbs_update.h"
 
 namespace {
 
+using testsupport::k0800;
+using testsupport::k0900;
+using testsupport::k1100;
+using testsupport::k1200;
+using testsupport::k1400;
+using testsupport::k1500;
+
 using testsupport::ProjectJson;
 using testsupport::ShownMessage;
-
-constexpr double k0800 = 8.0 / 24;
-constexpr double k0900 = 9.0 / 24;
-constexpr double k1100 = 11.0 / 24;
-constexpr double k1200 = 12.0 / 24;
-constexpr double k1400 = 14.0 / 24;
-constexpr double k1500 = 15.0 / 24;
 
 // Build (12) > Design (13) > Sketch (14); Build > Code (15); Test (16) > Review (17), Sync (18).
 class SummaryProject : public ::testing::Test {
