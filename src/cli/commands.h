@@ -28,9 +28,6 @@ struct EngineCommand {
     const char* name;
     const char* help;
     std::vector<CommandArgument> arguments;
-    // False while the engine part behind the export is not built: the program refuses the command
-    // rather than pretending it ran.
-    bool built;
     void (*run)(std::span<const int> arguments);
     // The command works on the selected task rows, which --rows gives.
     bool usesSelection = false;

@@ -56,13 +56,6 @@ void AddFilterOption(CLI::App& command, CommonOptions& options) {
 }
 
 int Run(const CommonOptions& options, const std::vector<CommandCall>& calls) {
-    for (const CommandCall& call : calls) {
-        if (!call.command->built) {
-            std::cerr << "vantora: the command '" << call.command->name
-                      << "' is not built yet in this version of the engine\n";
-            return kNotBuilt;
-        }
-    }
     SessionOptions session;
     if (!options.now.empty()) {
         session.now = values::ParseDateText(options.now);

@@ -42,4 +42,3 @@ struct SheetRole {
 };
 
 const std::vector<SheetRole>& SheetRoles();
-

@@ -1,5 +1,4 @@
 // The exported commands: each is a short fixed sequence that calls the subsystems doing the work.
-// A command whose subsystem is not built yet says so at the one place where it will be called.
 #include "engine/exports.h"
 
 #include <string>
