@@ -112,14 +112,8 @@ void kpDrawGanntChart(std::int32_t style) {
     // The chart shows the task sheet as it stands now, with the resources' bar looks.
     LoadResources();
     TaskTable_Load();
-    const std::string filter = EngineSettings().filterRows;
-    if (!filter.empty()) {
-        ApplyVisibleRows("");
-    }
+    const AllTaskRowsShown shown(EngineSettings().filterRows);
     DrawAllTaskBars();
-    if (!filter.empty()) {
-        ApplyVisibleRows(filter);
-    }
 }
 
 void kpUpdateWBS() {
@@ -134,14 +128,9 @@ void kpUpdateWBS() {
     TaskTable_Load();
     // Rows the user hid by hand are taken over as the filter.
     settings.filterRows = VisibleRowsText();
-    if (!settings.filterRows.empty()) {
-        ApplyVisibleRows("");
-    }
+    const AllTaskRowsShown shown(settings.filterRows);
     UpdatePass();
     settings.rescheduleFlag = savedRescheduleFlag;
-    if (!settings.filterRows.empty()) {
-        ApplyVisibleRows(settings.filterRows);
-    }
 }
 
 void kpWBSReschedule() {
@@ -152,18 +141,13 @@ void kpWBSReschedule() {
     LoadResources();
     SettingsRecord& settings = EngineSettings();
     // Unlike the update, the list kept from the last filter or update is used as it is.
-    if (!settings.filterRows.empty()) {
-        ApplyVisibleRows("");
-    }
+    const AllTaskRowsShown shown(settings.filterRows);
     const std::int64_t savedRescheduleFlag = settings.rescheduleFlag;
     settings.rescheduleFlag = 1;
     TaskTable_Load();
     UpdatePass();
     settings.rescheduleFlag = savedRescheduleFlag;
     DrawAllTaskBars();
-    if (!settings.filterRows.empty()) {
-        ApplyVisibleRows(settings.filterRows);
-    }
 }
 
 void kpWBSEventOnChange(IDispatch** target) {

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <string>
+#include <utility>
 
 #include "core/engine_state.h"
 #include "settings/settings.h"
@@ -56,4 +57,16 @@ std::string VisibleRowsText() {
         }
     }
     return anyHidden ? list : std::string();
+}
+
+AllTaskRowsShown::AllTaskRowsShown(std::string filter) : filter_(std::move(filter)) {
+    if (!filter_.empty()) {
+        ApplyVisibleRows("");
+    }
+}
+
+AllTaskRowsShown::~AllTaskRowsShown() {
+    if (!filter_.empty()) {
+        ApplyVisibleRows(filter_);
+    }
 }

@@ -12,3 +12,16 @@ void ApplyVisibleRows(std::string_view list);
 
 // The list of the task rows visible on the task sheet now; empty when none is hidden.
 std::string VisibleRowsText();
+
+// Shows every task row while a command writes to them, and lays `filter` (the visible-row list in
+// force) again when the command ends. Nothing is shown or hidden when no filter is in force.
+class AllTaskRowsShown {
+  public:
+    explicit AllTaskRowsShown(std::string filter);
+    ~AllTaskRowsShown();
+    AllTaskRowsShown(const AllTaskRowsShown&) = delete;
+    AllTaskRowsShown& operator=(const AllTaskRowsShown&) = delete;
+
+  private:
+    std::string filter_;
+};
