@@ -95,6 +95,10 @@ void ForEachCell(const RangeSpan& span, Visit visit) {
     }
 }
 
+void RefuseHugeFill(const RangeSpan& span) {
+    if (CellCount(span, RangeMode::kCells) > kMostCellsFilledAtOnce) Raise(kObjectError);
+}
+
 bool IsEmptyPut(const VARIANT& value) {
     return value.vt == VT_EMPTY || value.vt == VT_NULL ||
            (value.vt == VT_BSTR && SysStringLen(value.bstrVal) == 0);
@@ -119,6 +123,7 @@ void PutValue(RangeObject& range, Invocation& call) {
             if (!PutArrayVariant(*span.sheet, area, value)) refused = true;
         }
     } else {
+        RefuseHugeFill(span);
         ForEachCell(span, [&](int row, int column) {
             if (!PutCellVariant(*span.sheet, row, column, value)) refused = true;
         });
@@ -151,6 +156,7 @@ void Formula(RangeObject& range, Invocation& call) {
     span.book->clipboard.reset();
     if (text.empty()) return ClearContents(*span.sheet, span.areas);
     // Entered into a block, a formula is filled: its relative references follow each cell.
+    RefuseHugeFill(span);
     const bool fill = text.front() == '=' && CellCount(span, RangeMode::kCells) > 1;
     bool refused = false;
     ForEachCell(span, [&](int row, int column) {

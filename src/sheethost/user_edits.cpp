@@ -10,10 +10,6 @@
 namespace sheethost {
 namespace {
 
-// Typing the same text into more cells than this is refused: nobody fills a whole column by
-// hand, and a mistyped address must not make the replay hang.
-constexpr long kMostTypedCells = 100000;
-
 std::optional<int> ParseRow(std::string_view text) {
     int row = 0;
     const auto [end, problem] = std::from_chars(text.data(), text.data() + text.size(), row);
@@ -32,7 +28,7 @@ bool TypeIntoBlock(Sheet& sheet, const Area& area, const std::string& text, std:
         ClearContents(sheet, {area});
         return true;
     }
-    if (static_cast<long>(area.Rows()) * area.Columns() > kMostTypedCells) {
+    if (double(area.Rows()) * area.Columns() > kMostCellsFilledAtOnce) {
         error = "typing into " + AreaAddress(area, false, false) + " would fill too many cells";
         return false;
     }

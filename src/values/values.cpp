@@ -282,6 +282,9 @@ double Fix(double value) {
 
 std::string NumberText(double value) {
     if (value == 0.0) return "0";  // also for -0
+    // A division the figures leave undefined (a task of no duration) has no decimal text; the
+    // spreadsheet shows a number it cannot hold as this error, and takes it back typed as one.
+    if (!std::isfinite(value)) return "#NUM!";
     char buffer[64];
     const auto result =
         std::to_chars(buffer, buffer + sizeof buffer, value, std::chars_format::general, 16);

@@ -25,7 +25,8 @@ double Val(std::string_view text);
 double Fix(double value);
 
 // The decimal text of a double with up to 16 significant digits, no exponent for ordinary
-// magnitudes, no trailing zeros and no trailing point ("3", "0.375", "-12.5").
+// magnitudes, no trailing zeros and no trailing point ("3", "0.375", "-12.5"); "#NUM!" for an
+// infinity or an undefined result.
 std::string NumberText(double value);
 
 // Date serials: whole part = days since 30 December 1899, fraction = time of day. A negative

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <variant>
 #include <vector>
 
 #include "engine/exports.h"
@@ -143,6 +144,19 @@ TEST_F(EvmByProject, ResourceRatesMultiplyTheFiguresWhenSwitchedOn) {
     EXPECT_EQ(Text(kSheet, 3, 3), "1080");
     EXPECT_EQ(Text(kSheet, 3, 5), "400");
     EXPECT_EQ(Text(kSheet, 4, 3), "240");  // BO has no rate
+}
+
+TEST_F(EvmByProject, ATaskOfNoDurationShowsItsUndefinedShareAsAnError) {
+    // No days of no duration is no number; each period's planned sum holds the error value, as
+    // the spreadsheet holds a number it cannot show.
+    project.Cells("WBS")["CA13"] = 0;
+    Load();
+    kpEVMByProject(1, 1);
+    for (const int row : {3, 4}) {
+        EXPECT_EQ(std::get<sheethost::ErrorValue>(sheethost::FindCell(Sheet(), row, 3)->value),
+                  sheethost::ErrorValue::kNum);
+    }
+    EXPECT_EQ(Text(kSheet, 3, 4), "270");
 }
 
 TEST_F(EvmByProject, WithoutADurationColumnTheDaysComeFromThePlannedDates) {

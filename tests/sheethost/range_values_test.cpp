@@ -142,6 +142,18 @@ TEST_F(RangeValuesTest, BlocksTakeOneValueAndFillFormulas) {
     EXPECT_TRUE(Model("WBS").cells.empty());
 }
 
+TEST_F(RangeValuesTest, AValueForTheWholeSheetIsRefusedBeforeAnyCellIsFilled) {
+    // A path cut short (".Cells(1," from a mistyped format) reaches the whole sheet; filling its
+    // seventeen billion cells one by one exhausted the memory.
+    EXPECT_NE(Put(sheet.get(), OLESTR(".Cells.Value=%d"), 7), S_OK);
+    EXPECT_NE(Put(sheet.get(), OLESTR(".Range(%s).Formula=%s"), "A:Z", "=1"), S_OK);
+    EXPECT_EQ(Read("H8"), "text");
+    EXPECT_EQ(TypeAt("Z1"), VT_EMPTY);
+    // Clearing the whole sheet stays possible: it fills nothing.
+    EXPECT_EQ(Put(sheet.get(), OLESTR(".Cells.Value=%s"), ""), S_OK);
+    EXPECT_EQ(TypeAt("H8"), VT_EMPTY);
+}
+
 TEST_F(RangeValuesTest, CopiedCellsPasteAsValuesOrWithTheirFormulasMoved) {
     Put(sheet.get(), OLESTR(".Range(%s).Formula=%s"), "H10", "=H7+1");
     ASSERT_EQ(hosttest::Call(sheet.get(), OLESTR(".Range(%s).Copy"), "H7:H10"), S_OK);

@@ -4,6 +4,7 @@
 
 #include <cmath>
 #include <cstdint>
+#include <limits>
 
 #include "values/case_fold.h"
 
@@ -37,6 +38,8 @@ TEST(NumberText, ShortestTextOfSixteenDigitsAndFixTruncates) {
     EXPECT_EQ(NumberText(-0.5), "-0.5");
     EXPECT_EQ(NumberText(100), "100");
     EXPECT_EQ(NumberText(-0.0), "0");
+    EXPECT_EQ(NumberText(std::nan("")), "#NUM!");
+    EXPECT_EQ(NumberText(-std::numeric_limits<double>::infinity()), "#NUM!");
     EXPECT_EQ(Fix(-2.7), -2.0);
     EXPECT_EQ(Fix(2.7), 2.0);
 }
