@@ -191,6 +191,7 @@ int Profile(const std::string& sampleJson, const std::string& name, int tasks) {
     sheethost::SetMemberLog(nullptr);
     kpQuit();
     workbook->Release();
+    if (std::getenv("DUMPLOG")) { FILE* f = std::fopen(std::getenv("DUMPLOG"), "w"); for (auto& e : log) std::fprintf(f, "%s\n", e.c_str()); std::fclose(f); }
     std::map<std::string, long> counts;
     for (const std::string& entry : log) ++counts[entry.substr(0, entry.find_first_of("(="))];
     std::vector<std::pair<long, std::string>> sorted;

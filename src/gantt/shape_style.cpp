@@ -15,18 +15,22 @@ ShapeStyle ReadShapeStyle(const XlObject& source) {
 }
 
 void ApplyShapeStyle(const ShapeStyle& style, const XlObject& target) {
-    target.SetNumber("Line.Weight", style.lineWeight);
-    target.SetNumber("Line.DashStyle", style.lineDashStyle);
-    target.SetNumber("Line.style", style.lineStyle);
+    // The line and the fill are fetched once each: every property set through the shape's own
+    // path would fetch them again, a call each in the spreadsheet program.
+    const XlObject line = target.GetObjectPath(".Line");
+    line.SetNumber("Weight", style.lineWeight);
+    line.SetNumber("DashStyle", style.lineDashStyle);
+    line.SetNumber("style", style.lineStyle);
     // -1 is the host's true: a template whose line is hidden still gives a visible outline.
-    target.SetNumber("Line.Visible", -1);
-    target.SetNumber("Line.ForeColor.RGB", style.lineForeColor);
-    target.SetNumber("Line.BackColor.RGB", style.lineBackColor);
-    target.SetNumber("Fill.Transparency", style.fillTransparency);
-    target.SetNumber("Fill.ForeColor.RGB", style.fillForeColor);
-    target.SetNumber("Fill.Visible", -1);
+    line.SetNumber("Visible", -1);
+    line.SetNumber("ForeColor.RGB", style.lineForeColor);
+    line.SetNumber("BackColor.RGB", style.lineBackColor);
+    const XlObject fill = target.GetObjectPath(".Fill");
+    fill.SetNumber("Transparency", style.fillTransparency);
+    fill.SetNumber("ForeColor.RGB", style.fillForeColor);
+    fill.SetNumber("Visible", -1);
     if (style.fillPattern) {
-        target.Call(".Fill.Patterned(%e)", *style.fillPattern);
+        fill.Call(".Patterned(%e)", *style.fillPattern);
     }
 }
 

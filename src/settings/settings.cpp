@@ -1,5 +1,9 @@
 #include "settings/settings.h"
 
+#include <algorithm>
+#include <optional>
+#include <string>
+
 #include "calendar/calendar.h"
 #include "core/engine_state.h"
 #include "core/messages.h"
@@ -127,13 +131,29 @@ bool LoadSettings() {
 std::int64_t LastTableRow() {
     const SettingsRecord& settings = EngineSettings();
     const XlObject sheet = EngineWbsSheet();
+    // The last column's right edge is read for blocks of rows that double while every row of the
+    // block has the same line, and halve when they differ: a few calls for thousands of rows, and
+    // the same row found as by reading the rows one by one. A row stops the table when it has no
+    // line; a failed read continues it. Letters that name no column are read row by row, as
+    // they are given.
+    const std::string& column = settings.lastCol;
+    const bool inBlocks = settings.lastColNo >= 1 && settings.lastColNo <= kSheetColumns;
     std::int64_t row = settings.firstTaskRow;
-    // Reads past the sheet's last row fail like reads of a missing sheet, which would otherwise
-    // keep the border scan going for ever.
+    std::int64_t block = 1;
+    // Reads past the sheet's last row fail, which would otherwise keep the scan going for ever.
     while (row <= kSheetRows) {
-        const XlObject lastCell = sheet.RangeOf(settings.lastCol + std::to_string(row));
-        if (lastCell.GetNumberArg("Borders(%d).LineStyle", kRightEdge) == kNoLine) break;
-        ++row;
+        const std::int64_t last = std::min(row + block - 1, kSheetRows);
+        std::string address = column + std::to_string(row);
+        if (last > row) address += ":" + column + std::to_string(last);
+        const std::optional<double> line =
+            sheet.RangeOf(address).GetCommonNumberArg("Borders(%d).LineStyle", kRightEdge);
+        if (line && *line == kNoLine) break;  // the block's first row has no line
+        if (line || last == row) {
+            row = last + 1;
+            if (inBlocks) block *= 2;
+        } else {
+            block /= 2;
+        }
     }
     return row - 1;
 }

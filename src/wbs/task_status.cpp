@@ -86,7 +86,8 @@ void ColourTaskRow(TaskRecord& task) {
     DeleteShapeIfPresent(kStatusMarkerPrefix + row);
     DeleteShapeIfPresent(kDependencyFramePrefix + row);
 
-    if (IsTaskRow(task.row) && settings.taskColorCompletedFlg == 1 && IsTaskComplete(task)) {
+    // The row's name cells are read last: most tasks are not complete.
+    if (settings.taskColorCompletedFlg == 1 && IsTaskComplete(task) && IsTaskRow(task.row)) {
         // A completed task is done with: no frame, no marker.
         range.SetNumber("Interior.ColorIndex", kGrey);
         return;

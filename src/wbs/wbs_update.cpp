@@ -23,9 +23,9 @@ void CheckResource(TaskRecord& task, const CalendarDay* currentDay) {
     if (ResourceRecord* resource = FindResource(task.resourceCell)) {
         if (EngineSettings().rescheduleFlag != 0) {
             PlaceTask(task, *resource, currentDay);
+            // The release date is checked against the dates the placement has just written.
+            TaskRecord_ReadRow(task);
         }
-        // The release date is checked against the dates the placement may just have written.
-        TaskRecord_ReadRow(task);
         // Written so that a release date that is not a number also warns.
         if (resource->releaseDate != 0 && !(resource->releaseDate >= task.plannedEnd)) {
             ShowMessage("Attention: Plan of task '" + TaskTitle(task) + "' is over " +
@@ -101,12 +101,17 @@ void UpdatePass() {
         if (task->isLeaf == 1) {
             CheckResource(*task, currentDay);
         }
-        UpdateTask(*task);
+        // Nothing was written to the row since it was last read: the record holds what it shows.
+        WriteBackTask(*task);
     }
 }
 
 void UpdateTask(TaskRecord& task) {
     TaskRecord_ReadRow(task);
+    WriteBackTask(task);
+}
+
+void WriteBackTask(TaskRecord& task) {
     const SettingsRecord& settings = EngineSettings();
     EngineWbsSheet().SetCell(task.row, settings.wbsNoColNo, task.wbsNo);
     if (task.isLeaf == 1) {

@@ -13,9 +13,12 @@
 // flag is set.
 void UpdatePass();
 
-// The write-back of one task: WBS number, frozen values, work in minutes, dependency check, row
-// colours and, for a top-level summary, the roll-up formulas of its whole subtree.
+// Reads the task's row, then writes it back (WriteBackTask).
 void UpdateTask(TaskRecord& task);
+// The write-back of one task whose record holds what its row shows: WBS number, frozen values,
+// work in minutes, dependency check, row colours and, for a top-level summary, the roll-up
+// formulas of its whole subtree.
+void WriteBackTask(TaskRecord& task);
 
 // One piece of a predecessors cell: the task it names (by code or WBS number) and the link type.
 struct LinkReference {

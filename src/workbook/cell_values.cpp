@@ -157,6 +157,20 @@ XlObject::TriState XlObject::GetTriState(std::string_view name) const {
     return set ? TriState::kTrue : TriState::kFalse;
 }
 
+std::optional<double> XlObject::GetCommonNumberArg(std::string_view name, int n) const {
+    VARIANT value;
+    VariantInit(&value);
+    const HRESULT read = automation::GetValue(OLESTR("%v"), &value, object_,
+                                              Widen("." + std::string(name)).c_str(), n);
+    std::optional<double> common;
+    if (SUCCEEDED(read) && value.vt != VT_NULL &&
+        SUCCEEDED(automation::ConvertResult(&value, VT_R8)) && value.vt == VT_R8) {
+        common = value.dblVal;
+    }
+    VariantClear(&value);
+    return common;
+}
+
 std::string BlockAddress(std::int64_t firstRow, std::int64_t firstColumn, std::int64_t lastRow,
                          std::int64_t lastColumn) {
     return ColumnLetters(firstColumn) + std::to_string(firstRow) + ":" + ColumnLetters(lastColumn) +

@@ -8,6 +8,7 @@
 
 #include <cstdarg>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -108,6 +109,9 @@ class XlObject {
     // cells differ, as HasFormula does. A failed call reads as false.
     enum class TriState { kFalse, kTrue, kMixed };
     TriState GetTriState(std::string_view name) const;
+    // A number that a block answers for all its cells ("Borders(%d).LineStyle" with `n`); nothing
+    // when its cells differ (Null) or the read fails.
+    std::optional<double> GetCommonNumberArg(std::string_view name, int n) const;
 
   private:
     friend class XlRef;

@@ -194,4 +194,20 @@ TEST_F(LoadSettingsTest, LastTableRowFollowsTheRightBorderOnly) {
     EXPECT_EQ(LastTableRow(), 40);  // no border on the first row: firstTaskRow - 1
 }
 
+TEST_F(LoadSettingsTest, LastTableRowReadInBlocksFindsTheSameRowWhateverTheLines) {
+    // Read in blocks, the right edge of a long table with lines of different styles must still
+    // end at the first row without one, wherever it falls.
+    constexpr int kDashed = -4115;
+    ASSERT_TRUE(Load());
+    for (const int end : {40, 41, 63, 64, 1000, 1037}) {
+        BorderRightEdge(5, end);
+        for (int row = 5; row <= end; row += 7) {
+            sheethost::CellAt(*wbs_, row, 13)
+                .style.borders[sheethost::xl::kEdgeRight - sheethost::xl::kDiagonalDown]
+                .lineStyle = kDashed;
+        }
+        EXPECT_EQ(LastTableRow(), end);
+    }
+}
+
 }  // namespace
