@@ -84,12 +84,12 @@ std::shared_ptr<sheethost::Workbook> Project(const std::string& sampleJson, int 
     for (const auto& [ref, cell] : sheet.cells) {
         for (int row : RowsOf(ref.row, tasks)) cells[{row, ref.column}] = cell;
     }
-    std::map<int, sheethost::RowInfo> rows;
+    sheethost::RowInfos::Map rows;
     for (const auto& [row, info] : sheet.rows) {
         for (int to : RowsOf(row, tasks)) rows[to] = info;
     }
     sheet.cells = std::move(cells);
-    sheet.rows = std::move(rows);
+    sheet.rows.Edit() = std::move(rows);
     return book;
 }
 
@@ -191,7 +191,6 @@ int Profile(const std::string& sampleJson, const std::string& name, int tasks) {
     sheethost::SetMemberLog(nullptr);
     kpQuit();
     workbook->Release();
-    if (std::getenv("DUMPLOG")) { FILE* f = std::fopen(std::getenv("DUMPLOG"), "w"); for (auto& e : log) std::fprintf(f, "%s\n", e.c_str()); std::fclose(f); }
     std::map<std::string, long> counts;
     for (const std::string& entry : log) ++counts[entry.substr(0, entry.find_first_of("(="))];
     std::vector<std::pair<long, std::string>> sorted;

@@ -123,7 +123,7 @@ double HeightOf(const RowInfo& info) {
     return info.hidden ? 0 : info.height.value_or(kStandardRowHeight);
 }
 
-double HeightIn(const std::map<int, RowInfo>& rows, int row) {
+double HeightIn(const RowInfos& rows, int row) {
     const auto found = rows.find(row);
     return found == rows.end() ? kStandardRowHeight : HeightOf(found->second);
 }
@@ -143,16 +143,22 @@ double ColumnLeft(const Sheet& sheet, int column) {
     return left;
 }
 
-double RowTopIn(const std::map<int, RowInfo>& rows, int row) {
-    double top = (row - 1) * kStandardRowHeight;
-    for (auto it = rows.begin(); it != rows.end() && it->first < row; ++it) {
-        top += HeightOf(it->second) - kStandardRowHeight;
+double RowInfos::Top(int row) const {
+    if (!summed_) {
+        summedRows_.clear();
+        extraAbove_.assign(1, 0.0);
+        for (const auto& [number, info] : map_) {
+            summedRows_.push_back(number);
+            extraAbove_.push_back(extraAbove_.back() + HeightOf(info) - kStandardRowHeight);
+        }
+        summed_ = true;
     }
-    return top;
+    const auto above = std::lower_bound(summedRows_.begin(), summedRows_.end(), row);
+    return (row - 1) * kStandardRowHeight + extraAbove_[std::size_t(above - summedRows_.begin())];
 }
 
 double RowTop(const Sheet& sheet, int row) {
-    return RowTopIn(sheet.rows, row);
+    return sheet.rows.Top(row);
 }
 
 bool IsDateFormat(std::string_view numberFormat) {

@@ -18,6 +18,7 @@
 #include <vector>
 
 #include "sheethost/formula.h"
+#include "sheethost/shape_list.h"
 #include "sheethost/shape_model.h"
 #include "sheethost/value.h"
 
@@ -155,6 +156,43 @@ struct RowInfo {
     bool operator==(const RowInfo&) const = default;
 };
 
+// The rows that differ from the standard row, by number. The top of a row is the sum of the
+// heights above it; those sums are kept between changes, as every shape placed or read asks for
+// a top and adding up the rows above each time made a chart's drawing grow with the square of
+// its rows. Reading is as from a map; every change goes through Edit or [].
+class RowInfos {
+  public:
+    using Map = std::map<int, RowInfo>;
+
+    Map::const_iterator begin() const { return map_.begin(); }
+    Map::const_iterator end() const { return map_.end(); }
+    Map::const_reverse_iterator rbegin() const { return map_.rbegin(); }
+    Map::const_iterator find(int row) const { return map_.find(row); }
+    Map::const_iterator lower_bound(int row) const { return map_.lower_bound(row); }
+    bool empty() const { return map_.empty(); }
+    std::size_t size() const { return map_.size(); }
+    const RowInfo& at(int row) const { return map_.at(row); }
+    bool operator==(const RowInfos& other) const { return map_ == other.map_; }
+
+    RowInfo& operator[](int row) { return Edit()[row]; }
+    // The rows to change; the tops are summed again on the next read.
+    Map& Edit() {
+        summed_ = false;
+        return map_;
+    }
+
+    // The top of `row` in points, hidden rows counting 0.
+    double Top(int row) const;
+
+  private:
+    Map map_;
+    // For the n-th entry of the map, its row and the height the entries before it add to (or
+    // take from) rows of the standard height.
+    mutable std::vector<int> summedRows_;
+    mutable std::vector<double> extraAbove_;
+    mutable bool summed_ = false;
+};
+
 struct ColumnInfo {
     std::optional<double> width;  // characters; the standard width when absent
     bool hidden = false;
@@ -203,7 +241,7 @@ struct Sheet {
     std::string name;
     std::string codeName;
     std::map<CellRef, Cell> cells;  // only cells with a value, a formula or their own style
-    std::map<int, RowInfo> rows;
+    RowInfos rows;
     std::map<int, ColumnInfo> columns;
     std::vector<DefinedName> names;  // names local to this sheet
     // The selection as areas, and the active cell.
@@ -214,7 +252,7 @@ struct Sheet {
     // A1 when nothing is frozen.
     CellRef frozenAt;
     PageSetup pageSetup;
-    std::vector<std::shared_ptr<Shape>> shapes;  // in z-order, back to front
+    ShapeList shapes;  // in z-order, back to front
     std::vector<std::shared_ptr<Chart>> charts;
 };
 
@@ -282,7 +320,6 @@ double ColumnWidthPoints(const Sheet& sheet, int column);  // 0 when hidden
 double RowHeightPoints(const Sheet& sheet, int row);       // 0 when hidden
 double ColumnLeft(const Sheet& sheet, int column);         // left edge of the column
 double RowTop(const Sheet& sheet, int row);                // top edge of the row
-double RowTopIn(const std::map<int, RowInfo>& rows, int row);
 // A column width in characters as the spreadsheet shows it, in points (8.43 -> 48).
 double CharactersToPoints(double characters);
 double PointsToCharacters(double points);

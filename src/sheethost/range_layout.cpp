@@ -51,7 +51,7 @@ std::optional<double> CommonLineValue(const RangeSpan& span, Lines lines, Get ge
 // when `missingToo` is false: a change that only resets a flag need not visit a million rows.
 template <class Change>
 void ChangeRows(const RangeSpan& span, Change change, bool missingToo = true) {
-    auto& rows = span.sheet->rows;
+    auto& rows = span.sheet->rows.Edit();
     for (const Area& area : span.areas) {
         if (!missingToo) {
             for (auto it = rows.lower_bound(area.top); it != rows.end() && it->first <= area.bottom;
@@ -138,7 +138,7 @@ void FitRows(const RangeSpan& span) {
             const double size = EffectiveStyle(sheet, ref.row, ref.column).font.size;
             largest[ref.row] = std::max(largest[ref.row], size);
         }
-        for (auto& [row, info] : span.sheet->rows) {
+        for (auto& [row, info] : span.sheet->rows.Edit()) {
             if (row >= area.top && row <= area.bottom && !largest.contains(row)) {
                 info.height.reset();
             }

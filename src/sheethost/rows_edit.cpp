@@ -10,7 +10,7 @@ namespace {
 // Rearranges the rows of `sheet` through mapRow (old row -> new row, 0 = gone). Rows that no old
 // row maps to come out empty.
 void RemapRows(Workbook& book, Sheet& sheet, const std::function<int(int)>& mapRow) {
-    const std::map<int, RowInfo> rowsBefore = sheet.rows;
+    const RowInfos rowsBefore = sheet.rows;
 
     std::map<CellRef, Cell> cells;
     for (auto& [ref, cell] : sheet.cells) {
@@ -19,11 +19,11 @@ void RemapRows(Workbook& book, Sheet& sheet, const std::function<int(int)>& mapR
         }
     }
     sheet.cells = std::move(cells);
-    std::map<int, RowInfo> rows;
-    for (auto& [row, info] : sheet.rows) {
+    RowInfos::Map rows;
+    for (auto& [row, info] : sheet.rows.Edit()) {
         if (const int moved = mapRow(row); moved != 0) rows.emplace(moved, std::move(info));
     }
-    sheet.rows = std::move(rows);
+    sheet.rows.Edit() = std::move(rows);
 
     for (const auto& other : book.sheets) {
         for (auto& [ref, cell] : other->cells) {
@@ -42,7 +42,7 @@ void RemapRows(Workbook& book, Sheet& sheet, const std::function<int(int)>& mapR
 
     const RowShift shift{
         mapRow,
-        [&rowsBefore](int row) { return RowTopIn(rowsBefore, row); },
+        [&rowsBefore](int row) { return rowsBefore.Top(row); },
         [&sheet](int row) { return RowTop(sheet, row); },
     };
     MoveShapesWithRows(sheet, shift);

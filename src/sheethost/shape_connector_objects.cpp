@@ -69,14 +69,14 @@ class ConnectorFormatObject final : public DispatchObjectOf<ConnectorFormatObjec
             Raise("The specified shape cannot be connected to.");
         }
         if (site < 1 || site > ConnectionSiteCount(*target)) RaiseOutOfRange();
-        connector.*end = ConnectorEnd{target->id, site};
+        handle_.sheet->shapes.Glue(connector, end, ConnectorEnd{target->id, site});
         RerouteConnector(connector, handle_.sheet->shapes);
         call.ReturnEmpty();
     }
 
     void Disconnect(Invocation& call, EndOf end) {
         call.ExpectCount(0, 0);
-        (handle_.Live().*end).reset();
+        handle_.sheet->shapes.Glue(handle_.Live(), end, std::nullopt);
         call.ReturnEmpty();
     }
 

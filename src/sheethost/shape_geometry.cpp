@@ -22,13 +22,11 @@ Point SiteDirection(int site) {
     }
 }
 
-std::optional<Point> GluedPoint(const std::optional<ConnectorEnd>& end,
-                                const std::vector<std::shared_ptr<Shape>>& shapes) {
+std::optional<Point> GluedPoint(const std::optional<ConnectorEnd>& end, const ShapeList& shapes) {
     if (!end) return std::nullopt;
-    for (const auto& shape : shapes) {
-        if (shape->id == end->shapeId) return ConnectionSite(*shape, end->site);
-    }
-    return std::nullopt;
+    const std::shared_ptr<Shape> glued = shapes.WithId(end->shapeId);
+    if (glued == nullptr) return std::nullopt;
+    return ConnectionSite(*glued, end->site);
 }
 
 // The adjustments of an elbow route along one axis: `along` picks x (true) or y of the points and
@@ -145,7 +143,7 @@ std::vector<double> DefaultAdjustments(int autoShapeType) {
     }
 }
 
-void RerouteConnector(Shape& connector, const std::vector<std::shared_ptr<Shape>>& shapes) {
+void RerouteConnector(Shape& connector, const ShapeList& shapes) {
     const std::optional<Point> gluedBegin = GluedPoint(connector.beginConnection, shapes);
     const std::optional<Point> gluedEnd = GluedPoint(connector.endConnection, shapes);
     if (!gluedBegin && !gluedEnd) return;
@@ -159,12 +157,8 @@ void RerouteConnector(Shape& connector, const std::vector<std::shared_ptr<Shape>
     }
 }
 
-void RerouteConnectorsOf(int shapeId, const std::vector<std::shared_ptr<Shape>>& shapes) {
-    for (const auto& shape : shapes) {
-        const bool glued = (shape->beginConnection && shape->beginConnection->shapeId == shapeId) ||
-                           (shape->endConnection && shape->endConnection->shapeId == shapeId);
-        if (glued) RerouteConnector(*shape, shapes);
-    }
+void RerouteConnectorsOf(int shapeId, const ShapeList& shapes) {
+    for (const auto& connector : shapes.GluedTo(shapeId)) RerouteConnector(*connector, shapes);
 }
 
 }  // namespace sheethost

@@ -6,6 +6,7 @@
 #include <optional>
 #include <vector>
 
+#include "sheethost/shape_list.h"
 #include "sheethost/shape_model.h"
 
 namespace sheethost {
@@ -41,8 +42,8 @@ std::vector<double> DefaultAdjustments(int autoShapeType);
 // when the route runs straight on from site to site, three when it must double back around an end
 // (a fixed stub out of each site), none when it turns once. Adjustments already set are kept while
 // the kind of route stays the same.
-void RerouteConnector(Shape& connector, const std::vector<std::shared_ptr<Shape>>& shapes);
+void RerouteConnector(Shape& connector, const ShapeList& shapes);
 // Reroutes every connector glued to the shape with this id.
-void RerouteConnectorsOf(int shapeId, const std::vector<std::shared_ptr<Shape>>& shapes);
+void RerouteConnectorsOf(int shapeId, const ShapeList& shapes);
 
 }  // namespace sheethost

@@ -9,9 +9,7 @@
 namespace sheethost {
 
 Shape& ShapeHandle::Live() const {
-    const bool onSheet =
-        std::find(sheet->shapes.begin(), sheet->shapes.end(), shape) != sheet->shapes.end();
-    if (!onSheet) RaiseDeleted();
+    if (!sheet->shapes.Holds(*shape)) RaiseDeleted();
     return *shape;
 }
 
@@ -129,7 +127,7 @@ class ShapeObject final : public DispatchObjectOf<ShapeObject> {
         if (call.IsPut()) {
             std::string name = call.PutText();
             if (name.empty()) RaiseOutOfRange();
-            shape.name = std::move(name);
+            handle_.sheet->shapes.Rename(shape, std::move(name));
             return;
         }
         TextProperty(call, shape.name);

@@ -7,13 +7,6 @@
 namespace sheethost {
 namespace {
 
-std::ptrdiff_t IndexOf(const Sheet& sheet, const Shape& shape) {
-    const auto found =
-        std::find_if(sheet.shapes.begin(), sheet.shapes.end(),
-                     [&](const auto& candidate) { return candidate.get() == &shape; });
-    return found == sheet.shapes.end() ? -1 : found - sheet.shapes.begin();
-}
-
 const char* AutoShapeBaseName(int autoShapeType) {
     switch (autoShapeType) {
         case 1:
@@ -56,17 +49,11 @@ const char* AutoShapeBaseName(int autoShapeType) {
 }  // namespace
 
 std::shared_ptr<Shape> FindShape(const Sheet& sheet, std::string_view name) {
-    for (const auto& shape : sheet.shapes) {
-        if (SameName(shape->name, name)) return shape;
-    }
-    return nullptr;
+    return sheet.shapes.Named(name);
 }
 
 std::shared_ptr<Shape> FindShapeById(const Sheet& sheet, int id) {
-    for (const auto& shape : sheet.shapes) {
-        if (shape->id == id) return shape;
-    }
-    return nullptr;
+    return sheet.shapes.WithId(id);
 }
 
 std::shared_ptr<Chart> FindChartOfShape(const Sheet& sheet, int shapeId) {
@@ -100,52 +87,49 @@ std::string DefaultBaseName(const Shape& shape) {
 }
 
 std::shared_ptr<Shape> AddShapeToSheet(Sheet& sheet, Shape shape) {
-    int lastId = 0;
-    for (const auto& existing : sheet.shapes) lastId = std::max(lastId, existing->id);
-    shape.id = lastId + 1;
+    shape.id = sheet.shapes.LastId() + 1;
     if (shape.name.empty()) shape.name = DefaultBaseName(shape) + " " + std::to_string(shape.id);
-    return sheet.shapes.emplace_back(std::make_shared<Shape>(std::move(shape)));
+    return sheet.shapes.push_back(std::make_shared<Shape>(std::move(shape)));
 }
 
 void DeleteShapeFromSheet(Sheet& sheet, const Shape& shape) {
     const int id = shape.id;
-    std::erase_if(sheet.shapes, [&](const auto& candidate) { return candidate.get() == &shape; });
+    sheet.shapes.erase(shape);
     if (FindShapeById(sheet, id)) return;
     std::erase_if(sheet.charts, [&](const auto& chart) { return chart->shapeId == id; });
-    for (const auto& other : sheet.shapes) {
-        if (other->beginConnection && other->beginConnection->shapeId == id) {
-            other->beginConnection.reset();
-        }
-        if (other->endConnection && other->endConnection->shapeId == id) {
-            other->endConnection.reset();
+    for (const auto& connector : sheet.shapes.GluedTo(id)) {
+        for (const auto end : {&Shape::beginConnection, &Shape::endConnection}) {
+            if ((*connector).*end && ((*connector).*end)->shapeId == id) {
+                sheet.shapes.Glue(*connector, end, std::nullopt);
+            }
         }
     }
 }
 
 bool ZOrderShape(Sheet& sheet, const Shape& shape, int command) {
-    const std::ptrdiff_t index = IndexOf(sheet, shape);
+    const std::ptrdiff_t index = sheet.shapes.IndexOf(shape);
     if (index < 0 || command < 0 || command > 3) return false;
-    auto& shapes = sheet.shapes;
-    const auto position = shapes.begin() + index;
+    const auto from = static_cast<std::size_t>(index);
+    const std::size_t last = sheet.shapes.size() - 1;
     switch (command) {
         case 0:
-            std::rotate(position, position + 1, shapes.end());
+            sheet.shapes.move(from, last);
             break;
         case 1:
-            std::rotate(shapes.begin(), position, position + 1);
+            sheet.shapes.move(from, 0);
             break;
         case 2:
-            if (position + 1 != shapes.end()) std::iter_swap(position, position + 1);
+            sheet.shapes.move(from, std::min(from + 1, last));
             break;
         default:
-            if (position != shapes.begin()) std::iter_swap(position, position - 1);
+            sheet.shapes.move(from, from == 0 ? 0 : from - 1);
             break;
     }
     return true;
 }
 
 int ZOrderPosition(const Sheet& sheet, const Shape& shape) {
-    return static_cast<int>(IndexOf(sheet, shape) + 1);
+    return static_cast<int>(sheet.shapes.IndexOf(shape) + 1);
 }
 
 }  // namespace sheethost

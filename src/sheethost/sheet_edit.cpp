@@ -9,6 +9,11 @@ namespace sheethost {
 namespace {
 
 template <class Info>
+bool IsNormal(const Info& info) {
+    return info != Info{} && info.style != Style{};
+}
+
+template <class Info>
 void NormalizeInfos(std::map<int, Info>& infos, int first, int last) {
     for (auto it = infos.lower_bound(first); it != infos.end() && it->first <= last;) {
         if (it->second.style == Style{}) it->second.style.reset();
@@ -19,7 +24,11 @@ void NormalizeInfos(std::map<int, Info>& infos, int first, int last) {
 }  // namespace
 
 void NormalizeRowInfos(Sheet& sheet, int top, int bottom) {
-    NormalizeInfos(sheet.rows, top, bottom);
+    // Rows already in order are left untouched, so that the tops summed over them stay valid.
+    const RowInfos& rows = sheet.rows;
+    const bool normal = std::all_of(rows.lower_bound(top), rows.lower_bound(bottom + 1),
+                                    [](const auto& entry) { return IsNormal(entry.second); });
+    if (!normal) NormalizeInfos(sheet.rows.Edit(), top, bottom);
 }
 
 void NormalizeColumnInfos(Sheet& sheet, int left, int right) {
@@ -87,7 +96,7 @@ void ChangeRows(Sheet& sheet, const Area& area, const std::function<void(Style&)
 // get one only when the change alters the default format.
 void ChangeSheet(Sheet& sheet, const std::function<void(Style&)>& change) {
     for (auto& [ref, cell] : sheet.cells) change(cell.style);
-    for (auto& [row, info] : sheet.rows) {
+    for (auto& [row, info] : sheet.rows.Edit()) {
         if (info.style) change(*info.style);
     }
     Style changedDefault;

@@ -11,8 +11,8 @@ namespace {
 
 // The edges of lines 1 to one past the last line with a record (index 0 unused), from the size
 // the host gives each line.
-template <class Info, class Size>
-std::vector<double> Edges(const std::map<int, Info>& lines, Size size) {
+template <class Lines, class Size>
+std::vector<double> Edges(const Lines& lines, Size size) {
     const int last = lines.empty() ? 0 : lines.rbegin()->first;
     std::vector<double> edges(static_cast<std::size_t>(last) + 2);
     for (int line = 2; line <= last + 1; ++line) {

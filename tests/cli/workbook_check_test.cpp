@@ -203,8 +203,7 @@ TEST(CheckWorkbook, NamesEachFindingWithItsPlace) {
         {"a missing template",
          [](Workbook& book) {
              auto& shapes = SheetCoded(book, "wsSettings").shapes;
-             std::erase_if(shapes,
-                           [](const auto& shape) { return shape->name == "ProgressLines"; });
+             shapes.erase(*shapes.Named("ProgressLines"));
              return std::string("no template shape named ProgressLines");
          },
          false},

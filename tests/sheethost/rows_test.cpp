@@ -67,8 +67,13 @@ TEST_F(RowsTest, HiddenHeightsAndWidthsReadAndWrite) {
     EXPECT_EQ(Number(sheet.get(), OLESTR(".Columns(%d).ColumnWidth"), 4), 10.57);
     Put(sheet.get(), OLESTR(".Rows(%d).RowHeight=%d"), 3, 0);
     EXPECT_EQ(Text(sheet.get(), OLESTR(".Rows(%d).Hidden"), 3), "True");
+    // Tops read before a change follow it.
+    EXPECT_EQ(Number(sheet.get(), OLESTR(".Range(%s).Top"), "A7"), 90);
     EXPECT_EQ(hosttest::TypeOf(sheet.get(), OLESTR(".Rows(%s).RowHeight"), "1:2"), VT_NULL);
     EXPECT_TRUE(FAILED(Put(sheet.get(), OLESTR(".Rows(%d).RowHeight=%d"), 3, 410)));
+    // The hidden row gone, the rows below it move up a whole row.
+    hosttest::Call(sheet.get(), OLESTR(".Rows(%d).Delete"), 3);
+    EXPECT_EQ(Number(sheet.get(), OLESTR(".Range(%s).Top"), "A7"), 105);
 }
 
 TEST_F(RowsTest, AutoFitSizesColumnsToTheirText) {

@@ -13,7 +13,7 @@ using sheethost::mso::kMoveAndSize;
 class ShapeRowsTest : public DrawingTest {
   protected:
     sheethost::Shape& Add(double top, double height, int placement) {
-        sheethost::Shape& shape = *sheet->shapes.emplace_back(std::make_shared<sheethost::Shape>());
+        sheethost::Shape& shape = *sheet->shapes.push_back(std::make_shared<sheethost::Shape>());
         shape.id = static_cast<int>(sheet->shapes.size());
         shape.left = 10;
         shape.top = top;

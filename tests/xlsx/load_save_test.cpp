@@ -104,7 +104,7 @@ TEST_F(SampleTest, RoundTripKeepsTheModelAndEverythingItDoesNotModel) {
     note.style.interior = {4, 0x00FF00, xl::kPatternSolid};
     note.style.numberFormat = "0.000";
     wbs.rows[6].hidden = true;
-    wbs.rows.erase(2);  // shown again
+    wbs.rows.Edit().erase(2);  // shown again
     auto added = std::make_shared<sheethost::Sheet>();
     added->name = "Report";
     added->codeName = "wsReport";

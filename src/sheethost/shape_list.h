@@ -1,0 +1,80 @@
+// The shapes of a sheet in z-order, back to front, which is also the order of the Shapes
+// collection. The object model asks on nearly every call whether a shape is still on its sheet,
+// and finds shapes by name and by id; with tens of thousands of shapes on a chart those questions
+// are answered from indexes kept as shapes come and go, not by a walk over every shape.
+#pragma once
+
+#include <cstddef>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <unordered_set>
+#include <vector>
+
+#include "sheethost/shape_model.h"
+
+namespace sheethost {
+
+class ShapeList {
+  public:
+    using Pointer = std::shared_ptr<Shape>;
+    using Stack = std::vector<Pointer>;
+
+    ShapeList() = default;
+    ShapeList(const ShapeList& other);
+    ShapeList& operator=(const ShapeList& other);
+    ShapeList(ShapeList&&) noexcept = default;
+    ShapeList& operator=(ShapeList&&) noexcept = default;
+
+    Stack::const_iterator begin() const { return stack_.begin(); }
+    Stack::const_iterator end() const { return stack_.end(); }
+    std::size_t size() const { return stack_.size(); }
+    bool empty() const { return stack_.empty(); }
+    const Pointer& operator[](std::size_t index) const { return stack_[index]; }
+    const Pointer& at(std::size_t index) const { return stack_.at(index); }
+    const Pointer& back() const { return stack_.back(); }
+
+    // Puts a shape in front of all others.
+    const Pointer& push_back(Pointer shape);
+    void clear();
+    // Takes the shape off the sheet.
+    void erase(const Shape& shape);
+    // Moves the shape at `from` to `to` in the z-order, the shapes between closing up.
+    void move(std::size_t from, std::size_t to);
+    // A shape's name and a connector's glue change only through here once they are on the sheet.
+    void Rename(Shape& shape, std::string name);
+    using ConnectorEndOf = std::optional<ConnectorEnd> Shape::*;
+    void Glue(Shape& connector, ConnectorEndOf end, std::optional<ConnectorEnd> glue);
+
+    // The first in z-order of that name, compared case-insensitively as the spreadsheet compares
+    // shape names; of that id; null when there is none.
+    Pointer Named(std::string_view name) const;
+    Pointer WithId(int id) const;
+    bool Holds(const Shape& shape) const { return members_.contains(&shape); }
+    // 0-based z-order position, -1 when the shape is not on the sheet.
+    std::ptrdiff_t IndexOf(const Shape& shape) const;
+    int LastId() const { return ids_.empty() ? 0 : ids_.rbegin()->first; }
+    // The connectors with an end glued to the shape with this id, each once.
+    std::vector<Pointer> GluedTo(int id) const;
+
+  private:
+    Pointer PointerTo(const Shape& shape) const;
+    void Index(const Pointer& shape);
+    void IndexGlue(const Pointer& shape);
+    void UnindexGlue(const Shape& shape);
+    void Unindex(const Shape& shape);
+    // The first of `candidates` in z-order.
+    Pointer Backmost(const std::vector<Pointer>& candidates) const;
+
+    Stack stack_;
+    std::unordered_set<const Shape*> members_;
+    std::unordered_map<std::string, std::vector<Pointer>> byName_;  // lower-case names
+    std::unordered_map<int, std::vector<Pointer>> byId_;
+    std::unordered_map<int, std::vector<Pointer>> gluedTo_;  // by the id each end is glued to
+    std::map<int, int> ids_;                                 // how many shapes carry each id
+};
+
+}  // namespace sheethost

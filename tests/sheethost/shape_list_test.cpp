@@ -1,0 +1,73 @@
+// The shape list answers from its indexes exactly what a walk over the z-order would.
+#include "sheethost/shape_list.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+
+namespace {
+
+using sheethost::Shape;
+using sheethost::ShapeList;
+
+ShapeList::Pointer Made(int id, std::string name) {
+    auto shape = std::make_shared<Shape>();
+    shape->id = id;
+    shape->name = std::move(name);
+    return shape;
+}
+
+TEST(ShapeList, SharedNamesAndIdsFindTheBackmostWhateverTheOrderOfChanges) {
+    ShapeList shapes;
+    const auto a = shapes.push_back(Made(1, "Bar"));
+    const auto b = shapes.push_back(Made(2, "bar"));
+    EXPECT_EQ(shapes.Named("BAR"), a);
+    shapes.move(1, 0);  // b goes to the back
+    EXPECT_EQ(shapes.Named("bar"), b);
+    shapes.Rename(*b, "Label");
+    EXPECT_EQ(shapes.Named("bar"), a);
+    EXPECT_EQ(shapes.Named("LABEL"), b);
+    // A change of case only keeps the shape findable.
+    shapes.Rename(*b, "LABEL");
+    EXPECT_EQ(shapes.Named("label"), b);
+    EXPECT_EQ(shapes.IndexOf(*a), 1);
+
+    const auto twin = shapes.push_back(Made(1, "Twin"));
+    EXPECT_EQ(shapes.WithId(1), a);
+    shapes.erase(*a);
+    EXPECT_FALSE(shapes.Holds(*a));
+    EXPECT_EQ(shapes.WithId(1), twin);
+    EXPECT_EQ(shapes.Named("Bar"), nullptr);
+    // A shape off the sheet renamed stays off it.
+    shapes.Rename(*a, "Twin");
+    EXPECT_EQ(shapes.Named("twin"), twin);
+}
+
+TEST(ShapeList, IdsAndGlueFollowTheShapesThatComeAndGo) {
+    ShapeList shapes;
+    shapes.push_back(Made(3, "A"));
+    const auto top = shapes.push_back(Made(9, "B"));
+    EXPECT_EQ(shapes.LastId(), 9);
+    ShapeList copy = shapes;
+    shapes.erase(*top);
+    EXPECT_EQ(shapes.LastId(), 3);
+    EXPECT_EQ(copy.LastId(), 9);
+    EXPECT_EQ(copy.Named("b"), top);
+    // Both ends on one shape: the connector is named once; loosened, it is named no more.
+    auto connector = Made(10, "Link");
+    connector->beginConnection = sheethost::ConnectorEnd{3, 1};
+    shapes.push_back(connector);
+    shapes.Glue(*connector, &Shape::endConnection, sheethost::ConnectorEnd{3, 2});
+    EXPECT_EQ(shapes.GluedTo(3), std::vector<ShapeList::Pointer>{connector});
+    shapes.Glue(*connector, &Shape::beginConnection, std::nullopt);
+    EXPECT_EQ(shapes.GluedTo(3).size(), 1U);
+    shapes.Glue(*connector, &Shape::endConnection, sheethost::ConnectorEnd{9, 2});
+    EXPECT_TRUE(shapes.GluedTo(3).empty());
+    shapes.erase(*connector);
+    EXPECT_TRUE(shapes.GluedTo(9).empty());
+    shapes.clear();
+    EXPECT_EQ(shapes.LastId(), 0);
+}
+
+}  // namespace
