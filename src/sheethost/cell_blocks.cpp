@@ -4,6 +4,7 @@
 #include <optional>
 
 #include "sheethost/cell_values.h"
+#include "sheethost/sheet_edit.h"
 
 namespace sheethost {
 namespace {
@@ -45,6 +46,7 @@ bool AreaVariant(const Workbook& book, const Sheet& sheet, const Area& area, Cel
         out = read(book, sheet, area.top, area.left);
         return true;
     }
+    if (double(area.Rows()) * area.Columns() > kMostCellsAtOnce) return false;
     SAFEARRAYBOUND bounds[2] = {{static_cast<ULONG>(area.Rows()), 1},
                                 {static_cast<ULONG>(area.Columns()), 1}};
     OwnedArray array(SafeArrayCreate(VT_VARIANT, 2, bounds));

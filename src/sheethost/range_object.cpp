@@ -96,7 +96,7 @@ void ForEachCell(const RangeSpan& span, Visit visit) {
 }
 
 void RefuseHugeFill(const RangeSpan& span) {
-    if (CellCount(span, RangeMode::kCells) > kMostCellsFilledAtOnce) Raise(kObjectError);
+    if (CellCount(span, RangeMode::kCells) > kMostCellsAtOnce) Raise(kObjectError);
 }
 
 bool IsEmptyPut(const VARIANT& value) {

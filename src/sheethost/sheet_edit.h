@@ -11,10 +11,10 @@
 
 namespace sheethost {
 
-// One value or formula entered into more cells than this at once is refused. The spreadsheet
-// program would run out of memory filling a whole sheet cell by cell; the host must not, so that
-// a mistyped address (a range of the whole sheet) ends in an error rather than in exhaustion.
-inline constexpr double kMostCellsFilledAtOnce = 1000000;
+// One value or formula entered into, or the values read from, more cells than this at once are
+// refused. The spreadsheet program runs out of memory over a whole sheet; the host must not, so
+// that a mistyped address (a range of the whole sheet) ends in an error rather than exhaustion.
+inline constexpr double kMostCellsAtOnce = 1000000;
 
 // The cells with an entry inside the block, in row order.
 std::vector<CellRef> CellsIn(const Sheet& sheet, const Area& area);

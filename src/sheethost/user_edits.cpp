@@ -28,7 +28,7 @@ bool TypeIntoBlock(Sheet& sheet, const Area& area, const std::string& text, std:
         ClearContents(sheet, {area});
         return true;
     }
-    if (double(area.Rows()) * area.Columns() > kMostCellsFilledAtOnce) {
+    if (double(area.Rows()) * area.Columns() > kMostCellsAtOnce) {
         error = "typing into " + AreaAddress(area, false, false) + " would fill too many cells";
         return false;
     }
