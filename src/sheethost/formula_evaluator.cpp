@@ -2,7 +2,10 @@
 
 #include <algorithm>
 #include <cmath>
+#include <memory>
 #include <optional>
+#include <string>
+#include <unordered_map>
 
 #include "sheethost/formula_values.h"
 
@@ -223,16 +226,31 @@ class ChainLink {
     ChainLink& operator=(const ChainLink&) = delete;
 };
 
+// The trees of the formulas parsed lately, by text: a tree depends on the text alone, and a
+// command reads the same roll-up formulas again and again. Each is shared, so that forgetting
+// them all while a formula that reads another is being evaluated leaves its tree alive.
+std::shared_ptr<const formula::ParseResult> ParsedFormula(std::string_view text) {
+    constexpr std::size_t kKept = 4096;
+    thread_local std::unordered_map<std::string, std::shared_ptr<const formula::ParseResult>>
+        parsed;
+    const std::string key(text);
+    if (const auto found = parsed.find(key); found != parsed.end()) return found->second;
+    if (parsed.size() >= kKept) parsed.clear();
+    auto tree = std::make_shared<const formula::ParseResult>(formula::Parse(text));
+    parsed.emplace(key, tree);
+    return tree;
+}
+
 }  // namespace
 
 Value EvaluateFormula(std::string_view formula, std::string_view sheet, int row, int column,
                       FormulaContext& context) {
     if (chainedEvaluations >= kMaxChainedEvaluations) return ErrorValue::kNum;
     const ChainLink link;
-    const auto parsed = formula::Parse(formula);
-    if (!parsed.root) return parsed.refusal;
+    const std::shared_ptr<const formula::ParseResult> parsed = ParsedFormula(formula);
+    if (!parsed->root) return parsed->refusal;
     formula::Evaluator evaluator(sheet, row, column, context);
-    Value result = evaluator.EvaluateValue(*parsed.root);
+    Value result = evaluator.EvaluateValue(*parsed->root);
     // A formula that refers to an empty cell shows 0.
     if (std::holds_alternative<Blank>(result)) return 0.0;
     return result;
