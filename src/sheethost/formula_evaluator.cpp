@@ -230,7 +230,7 @@ class ChainLink {
 // command reads the same roll-up formulas again and again. Each is shared, so that forgetting
 // them all while a formula that reads another is being evaluated leaves its tree alive.
 std::shared_ptr<const formula::ParseResult> ParsedFormula(std::string_view text) {
-    constexpr std::size_t kKept = 4096;
+    constexpr std::size_t kKept = 512;
     thread_local std::unordered_map<std::string, std::shared_ptr<const formula::ParseResult>>
         parsed;
     const std::string key(text);
