@@ -11,6 +11,12 @@ const Style& DefaultStyle() {
     return style;
 }
 
+char LowerAscii(char c) {
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
+
+}  // namespace
+
 const Style& InheritedStyle(const Sheet& sheet, int row, int column) {
     if (const auto found = sheet.rows.find(row); found != sheet.rows.end() && found->second.style) {
         return *found->second.style;
@@ -21,12 +27,6 @@ const Style& InheritedStyle(const Sheet& sheet, int row, int column) {
     }
     return DefaultStyle();
 }
-
-char LowerAscii(char c) {
-    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-}
-
-}  // namespace
 
 const Style& EffectiveStyle(const Sheet& sheet, int row, int column) {
     if (const Cell* cell = FindCell(sheet, row, column)) return cell->style;
@@ -52,11 +52,12 @@ const Cell* FindCell(const Sheet& sheet, int row, int column) {
 void TrimCell(Sheet& sheet, int row, int column) {
     const auto found = sheet.cells.find(CellRef{row, column});
     if (found == sheet.cells.end()) return;
-    const Cell& cell = found->second;
-    if (std::holds_alternative<Blank>(cell.value) && cell.formula.empty() && !cell.quotePrefix &&
-        cell.style == InheritedStyle(sheet, row, column)) {
-        sheet.cells.erase(found);
-    }
+    if (IsBareCell(sheet, found->first, found->second)) sheet.cells.erase(found);
+}
+
+bool IsBareCell(const Sheet& sheet, const CellRef& ref, const Cell& cell) {
+    return std::holds_alternative<Blank>(cell.value) && cell.formula.empty() && !cell.quotePrefix &&
+           cell.style == InheritedStyle(sheet, ref.row, ref.column);
 }
 
 std::size_t CharacterCount(std::string_view utf8) {

@@ -302,6 +302,10 @@ Cell& CellAt(Sheet& sheet, int row, int column);
 const Cell* FindCell(const Sheet& sheet, int row, int column);
 // Drops the cell's entry when it holds nothing its row or column would not give it.
 void TrimCell(Sheet& sheet, int row, int column);
+// The format a cell without an entry of its own shows: its row's, else its column's.
+const Style& InheritedStyle(const Sheet& sheet, int row, int column);
+// The entry holds nothing its row or column would not give it.
+bool IsBareCell(const Sheet& sheet, const CellRef& ref, const Cell& cell);
 
 // The spreadsheet's limits on texts, in the UTF-16 units it counts.
 inline constexpr std::size_t kMaxCellCharacters = 32767;

@@ -58,7 +58,8 @@ void ShapeList::clear() {
 void ShapeList::erase(const Shape& shape) {
     if (!Holds(shape)) return;
     Unindex(shape);
-    std::erase_if(stack_, [&](const Pointer& candidate) { return candidate.get() == &shape; });
+    stack_.erase(std::find_if(stack_.begin(), stack_.end(),
+                              [&](const Pointer& candidate) { return candidate.get() == &shape; }));
 }
 
 void ShapeList::move(std::size_t from, std::size_t to) {

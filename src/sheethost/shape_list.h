@@ -5,6 +5,7 @@
 #pragma once
 
 #include <cstddef>
+#include <deque>
 #include <map>
 #include <memory>
 #include <optional>
@@ -21,7 +22,8 @@ namespace sheethost {
 class ShapeList {
   public:
     using Pointer = std::shared_ptr<Shape>;
-    using Stack = std::vector<Pointer>;
+    // A deque: the shapes of a chart are deleted from the front, one by one, when it is redrawn.
+    using Stack = std::deque<Pointer>;
 
     ShapeList() = default;
     ShapeList(const ShapeList& other);
