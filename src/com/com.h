@@ -8,9 +8,12 @@
 
 #ifdef _WIN32
 
+// windows.h first: the OLE headers build on its definitions.
+// clang-format off
 #include <windows.h>
 #include <ole2.h>
 #include <oleauto.h>
+// clang-format on
 // wingdi.h maps GetObject to GetObjectW; the automation layer and the workbook holders have members
 // of that name and never call the GDI function.
 #undef GetObject
@@ -172,8 +175,12 @@ using REFIID = const IID&;
 using REFCLSID = const CLSID&;
 
 bool operator==(REFGUID a, REFGUID b);
-inline bool IsEqualGUID(REFGUID a, REFGUID b) { return a == b; }
-inline bool IsEqualIID(REFIID a, REFIID b) { return a == b; }
+inline bool IsEqualGUID(REFGUID a, REFGUID b) {
+    return a == b;
+}
+inline bool IsEqualIID(REFIID a, REFIID b) {
+    return a == b;
+}
 
 extern const IID IID_NULL;
 extern const IID IID_IUnknown;
