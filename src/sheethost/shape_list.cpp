@@ -17,9 +17,8 @@ std::string NameKey(std::string_view name) {
     return key;
 }
 
-template <class Key>
-void Drop(std::unordered_map<Key, std::vector<ShapeList::Pointer>>& index, const Key& key,
-          const Shape& shape) {
+template <class Index, class Key>
+void Drop(Index& index, const Key& key, const Shape& shape) {
     const auto found = index.find(key);
     if (found == index.end()) return;
     std::erase_if(found->second,
@@ -49,10 +48,8 @@ const ShapeList::Pointer& ShapeList::push_back(Pointer shape) {
 void ShapeList::clear() {
     stack_.clear();
     gluedTo_.clear();
-    members_.clear();
     byName_.clear();
     byId_.clear();
-    ids_.clear();
 }
 
 void ShapeList::erase(const Shape& shape) {
@@ -146,18 +143,14 @@ void ShapeList::UnindexGlue(const Shape& shape) {
 
 void ShapeList::Index(const Pointer& shape) {
     IndexGlue(shape);
-    members_.insert(shape.get());
     byName_[NameKey(shape->name)].push_back(shape);
     byId_[shape->id].push_back(shape);
-    ++ids_[shape->id];
 }
 
 void ShapeList::Unindex(const Shape& shape) {
     UnindexGlue(shape);
-    members_.erase(&shape);
     Drop(byName_, NameKey(shape.name), shape);
     Drop(byId_, shape.id, shape);
-    if (--ids_[shape.id] == 0) ids_.erase(shape.id);
 }
 
 ShapeList::Pointer ShapeList::Backmost(const std::vector<Pointer>& candidates) const {

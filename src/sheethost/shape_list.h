@@ -12,7 +12,6 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
-#include <unordered_set>
 #include <vector>
 
 #include "sheethost/shape_model.h"
@@ -55,10 +54,10 @@ class ShapeList {
     // shape names; of that id; null when there is none.
     Pointer Named(std::string_view name) const;
     Pointer WithId(int id) const;
-    bool Holds(const Shape& shape) const { return members_.contains(&shape); }
+    bool Holds(const Shape& shape) const { return PointerTo(shape) != nullptr; }
     // 0-based z-order position, -1 when the shape is not on the sheet.
     std::ptrdiff_t IndexOf(const Shape& shape) const;
-    int LastId() const { return ids_.empty() ? 0 : ids_.rbegin()->first; }
+    int LastId() const { return byId_.empty() ? 0 : byId_.rbegin()->first; }
     // The connectors with an end glued to the shape with this id, each once.
     std::vector<Pointer> GluedTo(int id) const;
 
@@ -72,11 +71,9 @@ class ShapeList {
     Pointer Backmost(const std::vector<Pointer>& candidates) const;
 
     Stack stack_;
-    std::unordered_set<const Shape*> members_;
     std::unordered_map<std::string, std::vector<Pointer>> byName_;  // lower-case names
-    std::unordered_map<int, std::vector<Pointer>> byId_;
+    std::map<int, std::vector<Pointer>> byId_;               // ordered: the last id is the largest
     std::unordered_map<int, std::vector<Pointer>> gluedTo_;  // by the id each end is glued to
-    std::map<int, int> ids_;                                 // how many shapes carry each id
 };
 
 }  // namespace sheethost
