@@ -58,7 +58,7 @@ class ChartObjectsObject final : public DispatchObjectOf<ChartObjectsObject> {
             for (const auto& candidate : frames) {
                 if (SameName(candidate->name, name)) frame = candidate;
             }
-            if (!frame) RaiseNotFound();
+            if (!frame) return call.Decline(NotFound());
         } else {
             const int index = call.Integer(0);
             if (index < 1 || static_cast<std::size_t>(index) > frames.size()) RaiseBadIndex();

@@ -143,8 +143,12 @@ class Enumerator final : public IEnumVARIANT, public CountedObject {
 
 }  // namespace
 
+Refusal Raised(std::string description, HRESULT exceptionCode) {
+    return Refusal{DISP_E_EXCEPTION, std::move(description), exceptionCode, 0};
+}
+
 void Raise(std::string description, HRESULT exceptionCode) {
-    throw Refusal{DISP_E_EXCEPTION, std::move(description), exceptionCode, 0};
+    throw Raised(std::move(description), exceptionCode);
 }
 
 void Refuse(HRESULT code) {
@@ -182,6 +186,10 @@ Invocation::Invocation(WORD flags, const DISPPARAMS* params, VARIANT* result) : 
 
 Invocation::~Invocation() {
     for (VARIANT& value : scratch_) VariantClear(&value);
+}
+
+void Invocation::Decline(Refusal refusal) {
+    declined_ = std::move(refusal);
 }
 
 bool Invocation::Has(std::size_t index) const {
@@ -532,9 +540,7 @@ HRESULT DispatchObject::Invoke(DISPID dispId, REFIID riid, LCID, WORD flags, DIS
     HRESULT hr = S_OK;
     Invocation call(flags, params, result);
     ++state.depth;
-    try {
-        if (!InvokeMember(dispId, call)) hr = DISP_E_MEMBERNOTFOUND;
-    } catch (const Refusal& refusal) {
+    const auto answer = [&](const Refusal& refusal) {
         hr = refusal.code;
         if (hr == DISP_E_EXCEPTION && exception != nullptr) {
             *exception = EXCEPINFO{};
@@ -546,6 +552,15 @@ HRESULT DispatchObject::Invoke(DISPID dispId, REFIID riid, LCID, WORD flags, DIS
             *argError =
                 refusal.argument < 0 ? 0 : params->cArgs - 1 - static_cast<UINT>(refusal.argument);
         }
+    };
+    try {
+        if (!InvokeMember(dispId, call)) {
+            hr = DISP_E_MEMBERNOTFOUND;
+        } else if (call.Declined()) {
+            answer(*call.Declined());
+        }
+    } catch (const Refusal& refusal) {
+        answer(refusal);
     } catch (const std::bad_alloc&) {
         hr = E_OUTOFMEMORY;
     } catch (...) {

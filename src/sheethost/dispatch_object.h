@@ -13,7 +13,9 @@
 // coerced on request with VariantChangeType as the real host coerces them, and the result slot.
 // A handler that cannot do what it was asked calls Raise or Refuse; the refusal unwinds to
 // Invoke, which answers it as an HRESULT (with EXCEPINFO for DISP_E_EXCEPTION). Nothing leaves
-// Invoke as a C++ exception.
+// Invoke as a C++ exception. Where a refusal is an everyday answer (a lookup by a name that is
+// not there, which callers use to ask whether it is), the handler returns it with
+// Invocation::Decline instead, which costs no unwinding.
 //
 // Factories of the concrete objects are declared in "sheethost/objects.h".
 #pragma once
@@ -52,6 +54,8 @@ struct Refusal {
 // Refuses with DISP_E_EXCEPTION and the given description, as the host does for a run-time error
 // ("Unable to get the Cells property of the Worksheet class").
 [[noreturn]] void Raise(std::string description, HRESULT exceptionCode = kHostError);
+// The refusal Raise throws.
+Refusal Raised(std::string description, HRESULT exceptionCode = kHostError);
 // Refuses with a plain HRESULT (DISP_E_BADPARAMCOUNT, DISP_E_MEMBERNOTFOUND, ...).
 [[noreturn]] void Refuse(HRESULT code);
 // The host's messages for a refused property or method ("Unable to set the Hidden property of the
@@ -120,6 +124,10 @@ class Invocation {
     // Takes over the variant (it is left empty).
     void ReturnVariant(VARIANT& value);
 
+    // Answers the call with `refusal` once the handler returns, as if it had been thrown.
+    void Decline(Refusal refusal);
+    const std::optional<Refusal>& Declined() const { return declined_; }
+
     // The member log's text of the arguments: "(3,2)" and, for a put, "=value".
     std::string DescribeArguments() const;
 
@@ -132,6 +140,7 @@ class Invocation {
     VARIANT* result_;
     // Keeps the coerced copies alive (at stable addresses) while the handler runs.
     mutable std::deque<VARIANT> scratch_;
+    std::optional<Refusal> declined_;
 };
 
 // Diagnostics over all host objects of the process (the host is used from one thread at a time,

@@ -17,6 +17,7 @@
 #include <string_view>
 #include <vector>
 
+#include "sheethost/cell_store.h"
 #include "sheethost/formula.h"
 #include "sheethost/shape_list.h"
 #include "sheethost/shape_model.h"
@@ -141,13 +142,6 @@ struct Cell {
     bool operator==(const Cell&) const = default;
 };
 
-struct CellRef {
-    int row = 1;
-    int column = 1;
-
-    auto operator<=>(const CellRef&) const = default;
-};
-
 struct RowInfo {
     std::optional<double> height;  // points; the standard height when absent
     bool hidden = false;
@@ -240,7 +234,7 @@ struct PageSetup {
 struct Sheet {
     std::string name;
     std::string codeName;
-    std::map<CellRef, Cell> cells;  // only cells with a value, a formula or their own style
+    CellStore<Cell> cells;  // only cells with a value, a formula or their own style
     RowInfos rows;
     std::map<int, ColumnInfo> columns;
     std::vector<DefinedName> names;  // names local to this sheet

@@ -99,7 +99,7 @@ class ShapesObject final : public DispatchObjectOf<ShapesObject> {
         std::shared_ptr<Shape> shape;
         if (call.Argument(0).vt == VT_BSTR) {
             shape = FindShape(*sheet_, call.Text(0));
-            if (!shape) RaiseNotFound();
+            if (!shape) return call.Decline(NotFound());
         } else {
             const int index = call.Integer(0);
             if (index < 1 || static_cast<std::size_t>(index) > sheet_->shapes.size()) {

@@ -21,14 +21,16 @@ void ReturnItemOrCollection(Invocation& call, IDispatch* collection) {
     const HRESULT hr = owned->Invoke(DISPID_VALUE, IID_NULL, LOCALE_USER_DEFAULT,
                                      DISPATCH_METHOD | DISPATCH_PROPERTYGET, &params, &result,
                                      &exception, &argError);
+    // A missing item is passed on as it came, without unwinding: callers ask for shapes by name
+    // to learn whether they exist.
     if (hr == DISP_E_EXCEPTION) {
         std::string description = NarrowBstr(exception.bstrDescription);
         SysFreeString(exception.bstrDescription);
         SysFreeString(exception.bstrSource);
         SysFreeString(exception.bstrHelpFile);
-        Raise(std::move(description), exception.scode);
+        return call.Decline(Raised(std::move(description), exception.scode));
     }
-    if (FAILED(hr)) Refuse(hr);
+    if (FAILED(hr)) return call.Decline(Refusal{hr, {}, kHostError, 0});
     call.ReturnVariant(result);
 }
 
@@ -100,8 +102,8 @@ void RaiseBadIndex() {
     Raise("The index into the specified collection is out of bounds.");
 }
 
-void RaiseNotFound() {
-    Raise("The item with the specified name wasn't found.");
+Refusal NotFound() {
+    return Raised("The item with the specified name wasn't found.");
 }
 
 // A reference kept to a shape after it was deleted answers as a disconnected object does.

@@ -67,7 +67,8 @@ void ReadOnly(Invocation& call);
 // The spreadsheet's messages for the refusals the drawing side makes.
 [[noreturn]] void RaiseOutOfRange();
 [[noreturn]] void RaiseBadIndex();
-[[noreturn]] void RaiseNotFound();
+// A lookup by a name that is not there; handlers Decline with it.
+Refusal NotFound();
 [[noreturn]] void RaiseDeleted();
 
 }  // namespace sheethost

@@ -288,7 +288,7 @@ void SaveXlsx(const sheethost::Workbook& book, const std::filesystem::path& sour
                        tab == book.activeSheet);
         WriteConditionalFormats(document.document_element(), styles, sheet);
         WriteDrawing(package, editor.types, partName, document.document_element(), theme, sheet);
-        package.Put(partName, SerializeXml(document));
+        package.Put(partName, WorksheetBytes(document, sheet, styles, sharedStrings));
     }
     // Sheets that are not worksheets stay, after the worksheets; worksheets the host deleted go.
     for (const SheetEntry& entry : parts.sheets) {

@@ -1,9 +1,9 @@
 #include "xlsx/sheet_write.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cmath>
-#include <set>
 #include <string_view>
 
 #include "sheethost/formula.h"
@@ -54,21 +54,28 @@ class WorksheetWriter {
         }
     }
 
-    void WriteRows(pugi::xml_node sheetData) {
-        RemoveChildren(sheetData);
-        std::set<int> rows;
-        for (const auto& [number, info] : sheet_.rows) rows.insert(number);
-        for (const auto& [reference, cell] : sheet_.cells) rows.insert(reference.row);
-        for (int row : rows) {
-            pugi::xml_node rowNode = AddChild(sheetData, "row");
-            rowNode.append_attribute("r").set_value(row);
-            if (auto info = sheet_.rows.find(row); info != sheet_.rows.end()) {
-                WriteRowInfo(rowNode, info->second);
+    // The <row> elements with their cells, as text: the rows are written straight into the
+    // part's bytes rather than as a tree, which for a large sheet took more memory than the
+    // workbook itself. `prefix` is the namespace prefix of <sheetData> ("" or "x:").
+    void WriteRows(std::string& out, std::string_view prefix) {
+        prefix_ = prefix;
+        // A row is written when it has a format or height of its own or cells: one walk down
+        // both, in row order.
+        auto info = sheet_.rows.begin();
+        auto cell = sheet_.cells.begin();
+        while (info != sheet_.rows.end() || cell != sheet_.cells.end()) {
+            const int row = info == sheet_.rows.end()    ? cell->first.row
+                            : cell == sheet_.cells.end() ? info->first
+                                                         : std::min(info->first, cell->first.row);
+            Open(out, "row");
+            Attribute(out, "r", std::to_string(row));
+            if (info != sheet_.rows.end() && info->first == row)
+                WriteRowInfo(out, (info++)->second);
+            out += '>';
+            for (; cell != sheet_.cells.end() && cell->first.row == row; ++cell) {
+                WriteCell(out, cell->first, cell->second);
             }
-            for (auto cell = sheet_.cells.lower_bound({row, 1});
-                 cell != sheet_.cells.end() && cell->first.row == row; ++cell) {
-                WriteCell(rowNode, cell->first, cell->second);
-            }
+            Close(out, "row");
         }
     }
 
@@ -85,66 +92,107 @@ class WorksheetWriter {
         if (info.width) col.append_attribute("customWidth").set_value(1);
     }
 
-    void WriteRowInfo(pugi::xml_node rowNode, const sheethost::RowInfo& info) {
-        if (info.style) {
-            rowNode.append_attribute("s").set_value(styles_.IndexOf(*info.style, false));
-            rowNode.append_attribute("customFormat").set_value(1);
-        }
-        if (info.height) {
-            rowNode.append_attribute("ht").set_value(*info.height);
-            rowNode.append_attribute("customHeight").set_value(1);
-        }
-        if (info.hidden) rowNode.append_attribute("hidden").set_value(1);
+    void Open(std::string& out, std::string_view name) const {
+        out += '<';
+        out += prefix_;
+        out += name;
+    }
+    void Close(std::string& out, std::string_view name) const {
+        out += "</";
+        out += prefix_;
+        out += name;
+        out += '>';
+    }
+    // Attribute values are numbers, references and letters: nothing to escape.
+    static void Attribute(std::string& out, std::string_view name, std::string_view value) {
+        out += ' ';
+        out += name;
+        out += "=\"";
+        out += value;
+        out += '"';
+    }
+    // An element holding text only.
+    void Element(std::string& out, std::string_view name, std::string_view text) const {
+        Open(out, name);
+        out += '>';
+        AppendXmlText(out, text);
+        Close(out, name);
     }
 
-    void WriteCell(pugi::xml_node rowNode, const sheethost::CellRef& reference,
+    void WriteRowInfo(std::string& out, const sheethost::RowInfo& info) {
+        if (info.style) {
+            Attribute(out, "s", std::to_string(styles_.IndexOf(*info.style, false)));
+            Attribute(out, "customFormat", "1");
+        }
+        if (info.height) {
+            Attribute(out, "ht", NumberText(*info.height));
+            Attribute(out, "customHeight", "1");
+        }
+        if (info.hidden) Attribute(out, "hidden", "1");
+    }
+
+    void WriteCell(std::string& out, const sheethost::CellRef& reference,
                    const sheethost::Cell& cell) {
-        pugi::xml_node c = AddChild(rowNode, "c");
-        c.append_attribute("r").set_value(
-            (sheethost::ColumnLetters(reference.column) + std::to_string(reference.row)).c_str());
+        Open(out, "c");
+        Attribute(out, "r",
+                  sheethost::ColumnLetters(reference.column) + std::to_string(reference.row));
         if (const int style = styles_.IndexOf(cell.style, cell.quotePrefix); style != 0) {
-            c.append_attribute("s").set_value(style);
+            Attribute(out, "s", std::to_string(style));
         }
         if (!cell.formula.empty()) {
             // No cached value: whoever opens the file next computes it.
-            AddChild(c, "f").text().set(cell.formula.c_str() + 1);
-            return;
+            out += '>';
+            Element(out, "f", std::string_view(cell.formula).substr(1));
+        } else {
+            std::visit([&](const auto& value) { WriteValue(out, value); }, cell.value);
         }
-        std::visit([&](const auto& value) { WriteValue(c, value); }, cell.value);
+        Close(out, "c");
     }
 
-    void WriteValue(pugi::xml_node, sheethost::Blank) {}
+    // Each writes the rest of the cell's start tag and its content.
+    void WriteValue(std::string& out, sheethost::Blank) const { out += '>'; }
 
-    void WriteValue(pugi::xml_node c, double value) {
-        if (!std::isfinite(value)) return WriteValue(c, sheethost::ErrorValue::kNum);
-        AddChild(c, "v").text().set(NumberText(value).c_str());
+    void WriteValue(std::string& out, double value) const {
+        if (!std::isfinite(value)) return WriteValue(out, sheethost::ErrorValue::kNum);
+        out += '>';
+        Element(out, "v", NumberText(value));
     }
 
-    void WriteValue(pugi::xml_node c, const std::string& text) {
+    void WriteValue(std::string& out, const std::string& text) const {
         if (auto shared = sharedStrings_.find(text); shared != sharedStrings_.end()) {
-            c.append_attribute("t").set_value("s");
-            AddChild(c, "v").text().set(shared->second);
+            Attribute(out, "t", "s");
+            out += '>';
+            Element(out, "v", std::to_string(shared->second));
             return;
         }
-        c.append_attribute("t").set_value("inlineStr");
-        pugi::xml_node t = AddChild(AddChild(c, "is"), "t");
-        t.append_attribute("xml:space").set_value("preserve");
-        t.text().set(text.c_str());
+        Attribute(out, "t", "inlineStr");
+        out += '>';
+        Open(out, "is");
+        out += '>';
+        Open(out, "t");
+        Attribute(out, "xml:space", "preserve");
+        out += '>';
+        AppendXmlText(out, text);
+        Close(out, "t");
+        Close(out, "is");
     }
 
-    void WriteValue(pugi::xml_node c, bool value) {
-        c.append_attribute("t").set_value("b");
-        AddChild(c, "v").text().set(value ? "1" : "0");
+    void WriteValue(std::string& out, bool value) const {
+        Attribute(out, "t", "b");
+        out += '>';
+        Element(out, "v", value ? "1" : "0");
     }
 
-    void WriteValue(pugi::xml_node c, sheethost::ErrorValue error) {
-        c.append_attribute("t").set_value("e");
-        AddChild(c, "v").text().set(sheethost::ErrorText(error));
+    void WriteValue(std::string& out, sheethost::ErrorValue error) const {
+        Attribute(out, "t", "e");
+        out += '>';
+        Element(out, "v", sheethost::ErrorText(error));
     }
 
     const sheethost::Sheet& sheet_;
     StyleSheet& styles_;
     const SharedStringIndex& sharedStrings_;
+    std::string_view prefix_;
 };
 
 void WriteCodeName(pugi::xml_node worksheet, const std::string& codeName) {
@@ -184,7 +232,29 @@ void WriteWorksheet(pugi::xml_node worksheet, const sheethost::Sheet& sheet, Sty
     WritePageSetup(worksheet, sheet);
     WorksheetWriter writer(sheet, styles, sharedStrings);
     writer.WriteColumns(worksheet);
-    writer.WriteRows(EnsureChild(worksheet, "sheetData", kWorksheetOrder));
+    RemoveChildren(EnsureChild(worksheet, "sheetData", kWorksheetOrder));
+}
+
+std::string WorksheetBytes(pugi::xml_document& document, const sheethost::Sheet& sheet,
+                           StyleSheet& styles, const SharedStringIndex& sharedStrings) {
+    pugi::xml_node sheetData = Child(document.document_element(), "sheetData");
+    // The rows go where this instruction stands. It is the only one in the bytes: the parts
+    // are read without their instructions, and every "<" of a text or attribute is escaped.
+    constexpr std::string_view kPlace = "<?rows?>";
+    pugi::xml_node place = sheetData.append_child(pugi::node_pi);
+    place.set_name("rows");
+    std::string bytes = SerializeXml(document);
+    const std::size_t at = bytes.find(kPlace);
+    sheetData.remove_child(place);
+    const std::string after = bytes.substr(at + kPlace.size());
+    bytes.resize(at);
+    // Room for the usual cell, so the text is seldom moved as it grows.
+    constexpr std::size_t kBytesPerCell = 48;
+    bytes.reserve(at + after.size() + kBytesPerCell * sheet.cells.size());
+    const std::string prefix = QualifiedName(sheetData, "");
+    WorksheetWriter(sheet, styles, sharedStrings).WriteRows(bytes, prefix);
+    bytes += after;
+    return bytes;
 }
 
 }  // namespace xlsx

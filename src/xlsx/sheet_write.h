@@ -70,7 +70,13 @@ std::string SqrefText(const std::vector<sheethost::Area>& areas);
 // Replaces the code name, view, columns, rows and cells of the <worksheet> element with the
 // sheet's, and marks its tab selected when it is the active sheet. Formulas are written without
 // cached values.
+// The rows are written by WorksheetBytes.
 void WriteWorksheet(pugi::xml_node worksheet, const sheethost::Sheet& sheet, StyleSheet& styles,
                     const SharedStringIndex& sharedStrings, bool active);
+
+// The bytes of the worksheet part: `document` as WriteWorksheet and the other writers left it,
+// with the sheet's rows and cells in its <sheetData>.
+std::string WorksheetBytes(pugi::xml_document& document, const sheethost::Sheet& sheet,
+                           StyleSheet& styles, const SharedStringIndex& sharedStrings);
 
 }  // namespace xlsx

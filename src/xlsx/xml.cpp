@@ -8,10 +8,10 @@
 namespace xlsx {
 namespace {
 
-// "&#1;" to "&#31;" other than tab, line feed and carriage return, as the writer spells them.
-std::string DropForbiddenReferences(const std::string& xml) {
-    std::string kept;
-    kept.reserve(xml.size());
+// Drops "&#1;" to "&#31;" other than tab, line feed and carriage return, as the writer spells
+// them. Done in place: a sheet's XML can be tens of megabytes.
+void DropForbiddenReferences(std::string& xml) {
+    std::size_t kept = 0;
     for (std::size_t at = 0; at < xml.size();) {
         if (xml.compare(at, 2, "&#") == 0) {
             const auto end = xml.find(';', at);
@@ -27,9 +27,45 @@ std::string DropForbiddenReferences(const std::string& xml) {
                 }
             }
         }
-        kept += xml[at++];
+        xml[kept++] = xml[at++];
     }
-    return kept;
+    xml.resize(kept);
+}
+
+// The length of the UTF-8 character at `at` when XML may hold it; 0 for a control XML forbids
+// and for a byte that does not begin a well-formed sequence.
+std::size_t AllowedCharacterLength(std::string_view bytes, std::size_t at) {
+    const auto byte = [&](std::size_t k) { return static_cast<unsigned char>(bytes[k]); };
+    const unsigned char lead = byte(at);
+    if (lead < 0x80) {
+        // Controls other than tab, line feed and carriage return have no place in XML.
+        return lead >= 0x20 || lead == '\t' || lead == '\n' || lead == '\r' ? 1 : 0;
+    }
+    const std::size_t length = (lead >> 5) == 0x6    ? 2
+                               : (lead >> 4) == 0xE  ? 3
+                               : (lead >> 3) == 0x1E ? 4
+                                                     : 0;
+    char32_t code = length == 2 ? lead & 0x1F : length == 3 ? lead & 0x0F : lead & 0x07;
+    bool valid = length != 0 && at + length <= bytes.size();
+    for (std::size_t k = 1; valid && k < length; ++k) {
+        valid = (byte(at + k) & 0xC0) == 0x80;
+        code = (code << 6) | (byte(at + k) & 0x3F);
+    }
+    // Over-long forms, surrogates, U+FFFE and U+FFFF and codes past U+10FFFF are refused too.
+    const char32_t least = length == 2 ? 0x80 : length == 3 ? 0x800 : 0x10000;
+    valid = valid && code >= least && code <= 0x10FFFF && (code < 0xD800 || code > 0xDFFF) &&
+            code != 0xFFFE && code != 0xFFFF;
+    return valid ? length : 0;
+}
+
+// WellFormedText, copying only when something needs mending.
+void MakeWellFormed(std::string& bytes) {
+    std::size_t at = 0;
+    for (std::size_t length = 0; at < bytes.size(); at += length) {
+        length = AllowedCharacterLength(bytes, at);
+        if (length == 0) break;
+    }
+    if (at < bytes.size()) bytes = WellFormedText(bytes);
 }
 
 }  // namespace
@@ -55,7 +91,9 @@ std::string SerializeXml(const pugi::xml_document& document) {
         }
     } writer;
     document.save(writer, "", pugi::format_raw, pugi::encoding_utf8);
-    return DropForbiddenReferences(WellFormedText(writer.bytes));
+    MakeWellFormed(writer.bytes);
+    DropForbiddenReferences(writer.bytes);
+    return std::move(writer.bytes);
 }
 
 std::string_view LocalName(const pugi::xml_node& node) {
@@ -127,40 +165,37 @@ std::string JoinedText(const pugi::xml_node& node) {
     return text;
 }
 
+void AppendXmlText(std::string& out, std::string_view text) {
+    for (const char c : WellFormedText(text)) {
+        switch (c) {
+            case '&':
+                out += "&amp;";
+                break;
+            case '<':
+                out += "&lt;";
+                break;
+            case '>':
+                out += "&gt;";
+                break;
+            default:
+                out += c;
+        }
+    }
+}
+
 std::string WellFormedText(std::string_view bytes) {
     std::string text;
     text.reserve(bytes.size());
     constexpr std::string_view kReplacement = "\xEF\xBF\xBD";
     for (std::size_t at = 0; at < bytes.size();) {
-        const auto byte = [&](std::size_t k) { return static_cast<unsigned char>(bytes[k]); };
-        const unsigned char lead = byte(at);
-        if (lead < 0x80) {
-            // Controls other than tab, line feed and carriage return have no place in XML.
-            if (lead >= 0x20 || lead == '\t' || lead == '\n' || lead == '\r') text += bytes[at];
-            ++at;
-            continue;
-        }
-        const std::size_t length = (lead >> 5) == 0x6    ? 2
-                                   : (lead >> 4) == 0xE  ? 3
-                                   : (lead >> 3) == 0x1E ? 4
-                                                         : 0;
-        char32_t code = length == 2 ? lead & 0x1F : length == 3 ? lead & 0x0F : lead & 0x07;
-        bool valid = length != 0 && at + length <= bytes.size();
-        for (std::size_t k = 1; valid && k < length; ++k) {
-            valid = (byte(at + k) & 0xC0) == 0x80;
-            code = (code << 6) | (byte(at + k) & 0x3F);
-        }
-        // Over-long forms, surrogates, U+FFFE and U+FFFF and codes past U+10FFFF are refused too.
-        const char32_t least = length == 2 ? 0x80 : length == 3 ? 0x800 : 0x10000;
-        valid = valid && code >= least && code <= 0x10FFFF && (code < 0xD800 || code > 0xDFFF) &&
-                code != 0xFFFE && code != 0xFFFF;
-        if (valid) {
+        if (const std::size_t length = AllowedCharacterLength(bytes, at); length != 0) {
             text.append(bytes.substr(at, length));
             at += length;
-        } else {
-            text += kReplacement;
-            ++at;
+            continue;
         }
+        // A control is dropped; a byte that begins no character stands for one that is lost.
+        if (static_cast<unsigned char>(bytes[at]) >= 0x80) text += kReplacement;
+        ++at;
     }
     return text;
 }

@@ -36,5 +36,8 @@ std::string JoinedText(const pugi::xml_node& node);
 // The bytes as text XML can hold: each byte that does not begin a well-formed UTF-8 sequence of
 // a character XML allows becomes U+FFFD, and the controls XML forbids are dropped.
 std::string WellFormedText(std::string_view bytes);
+// Appends `text` as the content of an element, escaped, and well-formed as WellFormedText makes
+// it: what SerializeXml writes for a text node.
+void AppendXmlText(std::string& out, std::string_view text);
 
 }  // namespace xlsx

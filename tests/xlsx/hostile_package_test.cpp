@@ -153,6 +153,29 @@ TEST(HostilePackage, WhatIsWrittenIsWellFormedWhateverTheTextsAndNumbers) {
         "\xEF\xBF\xBD\tb");
 }
 
+TEST(HostilePackage, RowsAreWrittenInTheirPlaceWhateverThePartAndTheCellsHold) {
+    TempFolder folder;
+    // An instruction in the part is not kept; the writer marks the rows' place with one.
+    WriteZip(folder / "plan.xlsm",
+             Changed("xl/worksheets/sheet1.xml", "<pageMargins", "<?rows?><pageMargins"));
+    auto book = LoadXlsx(folder / "plan.xlsm");
+    sheethost::Sheet& sheet = *book->sheets[0];
+    sheethost::CellAt(sheet, 9, 1).value = std::string("<?rows?> & </sheetData>");
+    sheethost::CellAt(sheet, 9, 2).formula = R"(=IF(A2<3,"<&>",""))";
+    SaveXlsx(*book, folder / "plan.xlsm", folder / "out.xlsm");
+    const std::string part = ReadPart(folder / "out.xlsm", "xl/worksheets/sheet1.xml");
+    EXPECT_EQ(part.find("<?rows"), std::string::npos);
+
+    const auto again = LoadXlsx(folder / "out.xlsm");
+    const sheethost::Sheet& read = *again->sheets[0];
+    EXPECT_EQ(read.cells.at({9, 1}).value,
+              sheethost::Value(std::string("<?rows?> & </sheetData>")));
+    EXPECT_EQ(read.cells.at({9, 2}).formula, R"(=IF(A2<3,"<&>",""))");
+    EXPECT_EQ(read.cells.at({3, 1}).formula, "=A2*2+$A$2");
+    EXPECT_TRUE(read.rows.at(2).hidden);
+    EXPECT_EQ(read.rows.at(1).height, 30);
+}
+
 TEST(HostilePackage, OnlyRegularFilesAreOpenedAndWritesNeverFollowAPlantedLink) {
     TempFolder folder;
     ASSERT_EQ(mkfifo((folder / "pipe.xlsx").c_str(), 0600), 0);
