@@ -202,7 +202,7 @@ class LayoutCheck {
             return;
         }
         const auto& right = sheethost::EffectiveStyle(wbs, row, column)
-                                .borders[sheethost::xl::kEdgeRight - sheethost::xl::kDiagonalDown];
+                                ->borders[sheethost::xl::kEdgeRight - sheethost::xl::kDiagonalDown];
         if (right.lineStyle == sheethost::xl::kNone) {
             Add(true, CellPlace(wbs, row, column),
                 "the first task row " + *firstRow +

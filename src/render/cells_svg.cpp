@@ -275,7 +275,7 @@ void WriteBorders(std::string& svg, const sheethost::Sheet& sheet, const SheetGe
             const double left = g.Left(column);
             const double right = g.Left(column + 1);
             const sheethost::CellBorders& borders =
-                sheethost::EffectiveStyle(sheet, row, column).borders;
+                sheethost::EffectiveStyle(sheet, row, column)->borders;
             // Diagonal down, diagonal up, left, top, bottom, right.
             const std::string segments[6] = {
                 "M" + Number(left) + " " + Number(top) + "L" + Number(right) + " " + Number(bottom),

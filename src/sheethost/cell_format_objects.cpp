@@ -387,7 +387,7 @@ struct ConditionSlot {
     // Refuses a condition that is not (or no longer) there.
     const FormatCondition& Shown() const {
         const Area& first = span.First();
-        const auto& conditions = EffectiveStyle(*span.sheet, first.top, first.left).conditions;
+        const auto& conditions = EffectiveStyle(*span.sheet, first.top, first.left)->conditions;
         if (index < 1 || static_cast<std::size_t>(index) > conditions.size()) {
             Refuse(DISP_E_BADINDEX);
         }
@@ -479,7 +479,7 @@ void ConditionsAdd(FormatConditionsObject& conditions, Invocation& call) {
     const RangeSpan& span = conditions.span;
     ChangeStyle(*span.sheet, span.areas, [&](Style& style) { style.conditions.push_back(added); });
     const Area& first = span.First();
-    const auto count = EffectiveStyle(*span.sheet, first.top, first.left).conditions.size();
+    const auto count = EffectiveStyle(*span.sheet, first.top, first.left)->conditions.size();
     call.ReturnObject(NewFormatConditionObject(span, static_cast<int>(count)));
 }
 
@@ -494,7 +494,7 @@ void ConditionsCount(FormatConditionsObject& conditions, Invocation& call) {
     const Area& first = conditions.span.First();
     const Sheet& sheet = *conditions.span.sheet;
     call.ReturnInteger(
-        static_cast<std::int32_t>(EffectiveStyle(sheet, first.top, first.left).conditions.size()));
+        static_cast<std::int32_t>(EffectiveStyle(sheet, first.top, first.left)->conditions.size()));
 }
 
 void ConditionsItem(FormatConditionsObject& conditions, Invocation& call) {

@@ -46,7 +46,7 @@ void SetConstant(Sheet& sheet, int row, int column, Value value, bool quotePrefi
 
 void GiveFormatIfGeneral(Sheet& sheet, int row, int column, const std::string& format) {
     Cell& cell = CellAt(sheet, row, column);
-    if (cell.style.numberFormat == "General") cell.style.numberFormat = format;
+    if (cell.style->numberFormat == "General") cell.style.Edit().numberFormat = format;
 }
 
 }  // namespace
@@ -130,7 +130,7 @@ bool TypeIntoCell(Sheet& sheet, int row, int column, std::string_view text) {
     }
     // A cell formatted as text keeps what is typed into it as it stands: "1.10" stays "1.10" and
     // "=A1" is not a formula, as the spreadsheet does.
-    if (EffectiveStyle(sheet, row, column).numberFormat == "@") {
+    if (EffectiveStyle(sheet, row, column)->numberFormat == "@") {
         SetConstant(sheet, row, column, std::string(text), false);
         return true;
     }
@@ -235,7 +235,7 @@ VARIANT CellVariant2(const Workbook& book, const Sheet& sheet, int row, int colu
 
 VARIANT CellVariant(const Workbook& book, const Sheet& sheet, int row, int column) {
     VARIANT variant = CellVariant2(book, sheet, row, column);
-    if (variant.vt == VT_R8 && IsDateFormat(EffectiveStyle(sheet, row, column).numberFormat)) {
+    if (variant.vt == VT_R8 && IsDateFormat(EffectiveStyle(sheet, row, column)->numberFormat)) {
         variant.vt = VT_DATE;  // same 8 bytes: a date is its serial
     }
     return variant;

@@ -6,8 +6,8 @@
 namespace sheethost {
 namespace {
 
-const Style& DefaultStyle() {
-    static const Style style;
+const SharedStyle& DefaultStyle() {
+    static const SharedStyle style{Style{}};
     return style;
 }
 
@@ -17,7 +17,14 @@ char LowerAscii(char c) {
 
 }  // namespace
 
-const Style& InheritedStyle(const Sheet& sheet, int row, int column) {
+SharedStyle::SharedStyle() : SharedStyle(DefaultStyle()) {}
+
+Style& SharedStyle::Edit() {
+    if (style_.use_count() > 1) style_ = std::make_shared<Style>(*style_);
+    return *style_;
+}
+
+const SharedStyle& InheritedStyle(const Sheet& sheet, int row, int column) {
     if (const auto found = sheet.rows.find(row); found != sheet.rows.end() && found->second.style) {
         return *found->second.style;
     }
@@ -28,7 +35,7 @@ const Style& InheritedStyle(const Sheet& sheet, int row, int column) {
     return DefaultStyle();
 }
 
-const Style& EffectiveStyle(const Sheet& sheet, int row, int column) {
+const SharedStyle& EffectiveStyle(const Sheet& sheet, int row, int column) {
     if (const Cell* cell = FindCell(sheet, row, column)) return cell->style;
     return InheritedStyle(sheet, row, column);
 }

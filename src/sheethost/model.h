@@ -132,12 +132,38 @@ struct Style {
     bool operator==(const Style&) const = default;
 };
 
+// A format as cells, rows and columns hold it: one copy shared by all that have the same one,
+// copied when one of them changes it. A sheet of a few hundred thousand cells has a handful of
+// formats, and a cell that kept its own copy was three times the size of its contents, which made
+// every walk over a large sheet wait on memory.
+class SharedStyle {
+  public:
+    SharedStyle();  // the default format
+    SharedStyle(Style style) : style_(std::make_shared<Style>(std::move(style))) {}
+
+    const Style& operator*() const { return *style_; }
+    const Style* operator->() const { return style_.get(); }
+    operator const Style&() const { return *style_; }
+    // The format to change, no longer shared with anyone else.
+    Style& Edit();
+    // The same format: the same copy, or equal ones.
+    bool operator==(const SharedStyle& other) const {
+        return style_ == other.style_ || *style_ == *other.style_;
+    }
+    bool operator==(const Style& other) const { return *style_ == other; }
+    // Whether the two share one copy, which makes them the same without a look inside.
+    bool Shares(const SharedStyle& other) const { return style_ == other.style_; }
+
+  private:
+    std::shared_ptr<Style> style_;
+};
+
 struct Cell {
     Value value;          // Blank for a formula cell: formulas are evaluated when read
     std::string formula;  // starts with "=" when the cell holds a formula, else empty
     // The text was typed with a leading apostrophe: it stays text whatever it looks like.
     bool quotePrefix = false;
-    Style style;
+    SharedStyle style;
 
     bool operator==(const Cell&) const = default;
 };
@@ -145,7 +171,7 @@ struct Cell {
 struct RowInfo {
     std::optional<double> height;  // points; the standard height when absent
     bool hidden = false;
-    std::optional<Style> style;  // the format of the whole row
+    std::optional<SharedStyle> style;  // the format of the whole row
 
     bool operator==(const RowInfo&) const = default;
 };
@@ -190,7 +216,7 @@ class RowInfos {
 struct ColumnInfo {
     std::optional<double> width;  // characters; the standard width when absent
     bool hidden = false;
-    std::optional<Style> style;  // the format of the whole column
+    std::optional<SharedStyle> style;  // the format of the whole column
 
     bool operator==(const ColumnInfo&) const = default;
 };
@@ -290,14 +316,14 @@ struct Workbook {
 };
 
 // Style lookups and cell access that keep the format inheritance (cell, row, column, default).
-const Style& EffectiveStyle(const Sheet& sheet, int row, int column);
+const SharedStyle& EffectiveStyle(const Sheet& sheet, int row, int column);
 // The cell's entry, created with its inherited style when it has none.
 Cell& CellAt(Sheet& sheet, int row, int column);
 const Cell* FindCell(const Sheet& sheet, int row, int column);
 // Drops the cell's entry when it holds nothing its row or column would not give it.
 void TrimCell(Sheet& sheet, int row, int column);
 // The format a cell without an entry of its own shows: its row's, else its column's.
-const Style& InheritedStyle(const Sheet& sheet, int row, int column);
+const SharedStyle& InheritedStyle(const Sheet& sheet, int row, int column);
 // The entry holds nothing its row or column would not give it.
 bool IsBareCell(const Sheet& sheet, const CellRef& ref, const Cell& cell);
 

@@ -135,7 +135,7 @@ void FitRows(const RangeSpan& span) {
         for (const CellRef& ref : CellsIn(sheet, area)) {
             const Value value = CellDisplayValue(*span.book, sheet, ref.row, ref.column);
             if (std::holds_alternative<Blank>(value)) continue;
-            const double size = EffectiveStyle(sheet, ref.row, ref.column).font.size;
+            const double size = EffectiveStyle(sheet, ref.row, ref.column)->font.size;
             largest[ref.row] = std::max(largest[ref.row], size);
         }
         for (auto& [row, info] : span.sheet->rows.Edit()) {

@@ -69,11 +69,13 @@ bool InsertRows(Workbook& book, Sheet& sheet, int at, int count) {
     // The new rows look like the row above them.
     const int above = at - 1;
     if (const auto found = sheet.rows.find(above); found != sheet.rows.end()) {
-        RowInfo info = found->second;
-        info.hidden = false;
-        for (int row = at; row < at + count; ++row) sheet.rows[row] = info;
+        for (int row = at; row < at + count; ++row) {
+            RowInfo& info = sheet.rows[row];
+            info = found->second;
+            info.hidden = false;
+        }
     }
-    std::vector<std::pair<int, Style>> styles;
+    std::vector<std::pair<int, SharedStyle>> styles;
     for (auto it = sheet.cells.lower_bound(CellRef{above, 0});
          it != sheet.cells.end() && it->first.row == above; ++it) {
         styles.emplace_back(it->first.column, it->second.style);

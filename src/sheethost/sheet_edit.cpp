@@ -1,6 +1,8 @@
 #include "sheethost/sheet_edit.h"
 
 #include <algorithm>
+#include <unordered_map>
+#include <utility>
 
 #include "sheethost/cell_values.h"
 
@@ -42,8 +44,30 @@ void NormalizeLineInfos(Sheet& sheet) {
 
 namespace {
 
-void ChangeCells(Sheet& sheet, const std::vector<CellRef>& cells,
-                 const std::function<void(Style&)>& change) {
+// One change made to many formats. Formats that were one shared copy before the change are one
+// copy after it, so a block of cells that looked alike still shares its new look.
+class StyleChange {
+  public:
+    explicit StyleChange(const std::function<void(Style&)>& change) : change_(change) {}
+
+    void operator()(SharedStyle& style) {
+        const Style* key = style.operator->();
+        if (const auto done = done_.find(key); done != done_.end()) {
+            style = done->second.second;
+            return;
+        }
+        SharedStyle before = style;
+        change_(style.Edit());
+        // The old copy is held so that its address names no other format meanwhile.
+        done_.emplace(key, std::pair{std::move(before), style});
+    }
+
+  private:
+    const std::function<void(Style&)>& change_;
+    std::unordered_map<const Style*, std::pair<SharedStyle, SharedStyle>> done_;
+};
+
+void ChangeCells(Sheet& sheet, const std::vector<CellRef>& cells, StyleChange& change) {
     for (const CellRef& ref : cells) change(CellAt(sheet, ref.row, ref.column).style);
 }
 
@@ -51,7 +75,7 @@ void TrimCells(Sheet& sheet, const std::vector<CellRef>& cells) {
     for (const CellRef& ref : cells) TrimCell(sheet, ref.row, ref.column);
 }
 
-void ChangeColumns(Sheet& sheet, const Area& area, const std::function<void(Style&)>& change) {
+void ChangeColumns(Sheet& sheet, const Area& area, StyleChange& change) {
     // A row format outranks the column's: where a formatted row crosses the columns, the cell
     // gets an entry of its own that keeps the row's format and takes the change.
     for (const auto& [row, info] : sheet.rows) {
@@ -64,14 +88,14 @@ void ChangeColumns(Sheet& sheet, const Area& area, const std::function<void(Styl
     ChangeCells(sheet, cells, change);
     for (int column = area.left; column <= area.right; ++column) {
         ColumnInfo& info = sheet.columns[column];
-        Style style = info.style.value_or(Style{});
+        SharedStyle style = info.style.value_or(SharedStyle{});
         change(style);
         info.style = std::move(style);
     }
     TrimCells(sheet, cells);
 }
 
-void ChangeRows(Sheet& sheet, const Area& area, const std::function<void(Style&)>& change) {
+void ChangeRows(Sheet& sheet, const Area& area, StyleChange& change) {
     // Cells under a formatted column keep that column's format once the row has a format of its
     // own, which would otherwise take precedence.
     for (int row = area.top; row <= area.bottom; ++row) {
@@ -85,7 +109,7 @@ void ChangeRows(Sheet& sheet, const Area& area, const std::function<void(Style&)
     ChangeCells(sheet, cells, change);
     for (int row = area.top; row <= area.bottom; ++row) {
         RowInfo& info = sheet.rows[row];
-        Style style = info.style.value_or(Style{});
+        SharedStyle style = info.style.value_or(SharedStyle{});
         change(style);
         info.style = std::move(style);
     }
@@ -94,12 +118,12 @@ void ChangeRows(Sheet& sheet, const Area& area, const std::function<void(Style&)
 
 // The whole sheet: every cell, row and column format takes the change; columns without a format
 // get one only when the change alters the default format.
-void ChangeSheet(Sheet& sheet, const std::function<void(Style&)>& change) {
+void ChangeSheet(Sheet& sheet, StyleChange& change) {
     for (auto& [ref, cell] : sheet.cells) change(cell.style);
     for (auto& [row, info] : sheet.rows.Edit()) {
         if (info.style) change(*info.style);
     }
-    Style changedDefault;
+    SharedStyle changedDefault;
     change(changedDefault);
     for (int column = 1; column <= kMaxColumn; ++column) {
         const auto found = sheet.columns.find(column);
@@ -117,7 +141,7 @@ void ChangeSheet(Sheet& sheet, const std::function<void(Style&)>& change) {
 // The block's cells are walked in the order the sheet keeps them, each found or made next to the
 // one before and dropped at once when the change leaves it bare: a search per cell made styling a
 // large block grow faster than the block.
-void ChangeBlock(Sheet& sheet, const Area& area, const std::function<void(Style&)>& change) {
+void ChangeBlock(Sheet& sheet, const Area& area, StyleChange& change) {
     auto& cells = sheet.cells;
     for (int row = area.top; row <= area.bottom; ++row) {
         auto at = cells.lower_bound(CellRef{row, area.left});
@@ -148,7 +172,8 @@ std::vector<CellRef> CellsIn(const Sheet& sheet, const Area& area) {
 }
 
 void ChangeStyle(Sheet& sheet, const std::vector<Area>& areas,
-                 const std::function<void(Style&)>& change) {
+                 const std::function<void(Style&)>& how) {
+    StyleChange change(how);
     for (const Area& area : areas) {
         if (area.WholeColumns() && area.WholeRows()) {
             ChangeSheet(sheet, change);

@@ -204,9 +204,14 @@ class StyleReader {
     explicit StyleReader(const json& table) : table_(table) {}
 
     // `base` with the entry's "style" (a table name, or an object over the default style) and
-    // its style properties laid over it.
-    Style Read(const json& entry, const Style& base, const std::string& where) const {
-        json full = FullStyle(base);
+    // its style properties laid over it. Equal results are one shared format.
+    SharedStyle Read(const json& entry, const SharedStyle& base, const std::string& where) const {
+        json inline_ = json::object();
+        for (const auto& [key, value] : entry.items()) {
+            if (IsStyleKey(key)) inline_[key] = value;
+        }
+        if (!entry.contains("style") && inline_.empty()) return base;
+        json full = FullStyle(*base);
         if (entry.contains("style")) {
             const json& style = entry["style"];
             full = FullStyle(Style{});
@@ -220,17 +225,16 @@ class StyleReader {
                 FillColourFromIndex(full, style);
             }
         }
-        json inline_ = json::object();
-        for (const auto& [key, value] : entry.items()) {
-            if (IsStyleKey(key)) inline_[key] = value;
-        }
         Overlay(full, inline_, where);
         FillColourFromIndex(full, inline_);
-        return StyleFromFull(full);
+        std::string key = full.dump();
+        if (const auto made = made_.find(key); made != made_.end()) return made->second;
+        return made_.emplace(std::move(key), SharedStyle(StyleFromFull(full))).first->second;
     }
 
   private:
     const json& table_;
+    mutable std::unordered_map<std::string, SharedStyle> made_;
 };
 
 // One entry's format laid over many rows, columns or cells. Most of them start from the same
@@ -241,11 +245,11 @@ class StyleChange {
     StyleChange(const StyleReader& styles, const json& entry, std::string where)
         : styles_(styles), entry_(entry), where_(std::move(where)) {}
 
-    Style operator()(const Style& base) {
+    SharedStyle operator()(const SharedStyle& base) {
         for (const auto& [before, after] : known_) {
             if (before == base) return after;
         }
-        Style changed = styles_.Read(entry_, base, where_);
+        SharedStyle changed = styles_.Read(entry_, base, where_);
         known_.emplace_back(base, changed);
         return changed;
     }
@@ -254,7 +258,7 @@ class StyleChange {
     const StyleReader& styles_;
     const json& entry_;
     const std::string where_;
-    std::vector<std::pair<Style, Style>> known_;
+    std::vector<std::pair<SharedStyle, SharedStyle>> known_;
 };
 
 void CheckKeys(const json& entry, std::initializer_list<const char*> known,
@@ -333,8 +337,8 @@ void ReadCell(Sheet& sheet, const std::string& address, const json& entry,
     if (entry.contains("value")) {
         cell.value = ReadValue(entry["value"], where);
         const bool isDate = entry["value"].is_object() && entry["value"].contains("date");
-        if (isDate && cell.style.numberFormat == "General") {
-            cell.style.numberFormat = TypedDateFormat(std::get<double>(cell.value));
+        if (isDate && cell.style->numberFormat == "General") {
+            cell.style.Edit().numberFormat = TypedDateFormat(std::get<double>(cell.value));
         }
     }
     if (entry.contains("formula")) {
@@ -397,7 +401,7 @@ std::shared_ptr<Sheet> ReadSheet(const Workbook& book, const json& entry, const 
             ColumnInfo& info = sheet->columns[column];
             if (width) info.width = width;
             info.hidden = hidden;
-            info.style = change(info.style.value_or(Style{}));
+            info.style = change(info.style.value_or(SharedStyle{}));
         }
     }
     const json rows = entry.value("rows", json::object());
@@ -415,7 +419,7 @@ std::shared_ptr<Sheet> ReadSheet(const Workbook& book, const json& entry, const 
             RowInfo& info = sheet->rows[row];
             if (height) info.height = height;
             info.hidden = hidden;
-            info.style = change(info.style.value_or(Style{}));
+            info.style = change(info.style.value_or(SharedStyle{}));
         }
     }
     NormalizeLineInfos(*sheet);
@@ -552,20 +556,8 @@ json ValueJson(const Value& value) {
     return nullptr;
 }
 
-const Style& Inherited(const Sheet& sheet, const CellRef& ref) {
-    static const Style kDefault;
-    if (const auto row = sheet.rows.find(ref.row); row != sheet.rows.end() && row->second.style) {
-        return *row->second.style;
-    }
-    if (const auto column = sheet.columns.find(ref.column);
-        column != sheet.columns.end() && column->second.style) {
-        return *column->second.style;
-    }
-    return kDefault;
-}
-
 json CellJson(const Sheet& sheet, const CellRef& ref, const Cell& cell, StyleTable& styles) {
-    const bool ownStyle = cell.style != Inherited(sheet, ref);
+    const bool ownStyle = cell.style != InheritedStyle(sheet, ref.row, ref.column);
     const bool plainValue = !std::holds_alternative<Blank>(cell.value) &&
                             !std::holds_alternative<ErrorValue>(cell.value);
     if (!ownStyle && cell.formula.empty() && !cell.quotePrefix && plainValue) {

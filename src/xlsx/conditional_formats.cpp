@@ -111,19 +111,20 @@ class ConditionGroups {
 ConditionGroups GroupConditions(const sheethost::Sheet& sheet) {
     ConditionGroups groups;
     for (const auto& [column, info] : sheet.columns) {
-        if (info.style && !info.style->conditions.empty()) {
-            groups[info.style->conditions].push_back(Area{1, column, sheethost::kMaxRow, column});
+        if (info.style && !(*info.style)->conditions.empty()) {
+            groups[(*info.style)->conditions].push_back(
+                Area{1, column, sheethost::kMaxRow, column});
         }
     }
     for (const auto& [row, info] : sheet.rows) {
-        if (info.style && !info.style->conditions.empty()) {
-            groups[info.style->conditions].push_back(Area{row, 1, row, sheethost::kMaxColumn});
+        if (info.style && !(*info.style)->conditions.empty()) {
+            groups[(*info.style)->conditions].push_back(Area{row, 1, row, sheethost::kMaxColumn});
         }
     }
     ConditionGroups runs;
     for (const auto& [ref, cell] : sheet.cells) {
-        if (cell.style.conditions.empty()) continue;
-        auto& list = runs[cell.style.conditions];
+        if (cell.style->conditions.empty()) continue;
+        auto& list = runs[cell.style->conditions];
         if (!list.empty() && list.back().top == ref.row && list.back().right + 1 == ref.column) {
             ++list.back().right;
         } else {

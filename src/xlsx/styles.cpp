@@ -251,7 +251,7 @@ StyleSheet::StyleSheet(pugi::xml_document& document, const ThemeColors& theme) {
     }
     for (pugi::xml_node node : Children(Child(root_, "cellXfs"), "xf")) {
         Format format;
-        sheethost::Style& style = format.style;
+        sheethost::Style& style = format.style.Edit();
         const int numberFormatId = node.attribute("numFmtId").as_int();
         style.numberFormat = BuiltInNumberFormat(numberFormatId);
         for (const auto& [id, code] : numberFormats_) {
@@ -274,8 +274,8 @@ StyleSheet::StyleSheet(pugi::xml_document& document, const ThemeColors& theme) {
     if (formats_.empty()) IndexOf(sheethost::Style{}, false);
 }
 
-const sheethost::Style& StyleSheet::StyleAt(int index) const {
-    static const sheethost::Style kDefault;
+const sheethost::SharedStyle& StyleSheet::StyleAt(int index) const {
+    static const sheethost::SharedStyle kDefault;
     if (index < 0 || index >= static_cast<int>(formats_.size())) return kDefault;
     return formats_[static_cast<std::size_t>(index)].style;
 }
@@ -313,7 +313,16 @@ pugi::xml_node StyleSheet::Section(const char* localName) {
     return EnsureChild(root_, localName, kSectionOrder);
 }
 
-int StyleSheet::IndexOf(const sheethost::Style& wanted, bool quotePrefix) {
+int StyleSheet::IndexOf(const sheethost::SharedStyle& wanted, bool quotePrefix) {
+    auto& entries = entryOf_[quotePrefix ? 1 : 0];
+    const sheethost::Style* key = wanted.operator->();
+    if (const auto known = entries.find(key); known != entries.end()) return known->second.second;
+    const int index = FormatIndex(*wanted, quotePrefix);
+    entries.emplace(key, std::pair{wanted, index});
+    return index;
+}
+
+int StyleSheet::FormatIndex(const sheethost::Style& wanted, bool quotePrefix) {
     const sheethost::Style style = WithoutConditions(wanted);
     for (std::size_t index = 0; index < formats_.size(); ++index) {
         if (formats_[index].quotePrefix == quotePrefix && formats_[index].style == style) {

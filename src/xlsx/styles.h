@@ -5,6 +5,8 @@
 
 #include <optional>
 #include <pugixml.hpp>
+#include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "sheethost/model.h"
@@ -20,12 +22,12 @@ class StyleSheet {
 
     // The style of cellXfs entry `index` (the default style when out of range), and whether that
     // entry marks text typed with a leading apostrophe.
-    const sheethost::Style& StyleAt(int index) const;
+    const sheethost::SharedStyle& StyleAt(int index) const;
     bool QuotePrefixAt(int index) const;
 
     // The cellXfs entry for a style, appended (with its font, fill, border and number format as
     // needed) when none matches. Conditional formats are not part of the entry.
-    int IndexOf(const sheethost::Style& style, bool quotePrefix);
+    int IndexOf(const sheethost::SharedStyle& style, bool quotePrefix);
 
     // A conditional format's look (font colour, interior colour) as a differential format: the
     // dxfs entry the file holds, or a new one appended. Reading answers the colour indexes.
@@ -39,9 +41,10 @@ class StyleSheet {
 
   private:
     struct Format {
-        sheethost::Style style;
+        sheethost::SharedStyle style;
         bool quotePrefix = false;
     };
+    int FormatIndex(const sheethost::Style& wanted, bool quotePrefix);
     int FontIndex(const sheethost::CellFont& font);
     int FillIndex(const sheethost::Interior& interior);
     int BorderIndex(const sheethost::CellBorders& borders);
@@ -54,6 +57,9 @@ class StyleSheet {
     std::vector<sheethost::Interior> fills_;
     std::vector<sheethost::CellBorders> borders_;
     std::vector<Format> formats_;
+    // The entries of the shared formats asked for so far, with and without the apostrophe mark:
+    // a sheet's cells share a handful of formats, each compared with the entries only once.
+    std::unordered_map<const sheethost::Style*, std::pair<sheethost::SharedStyle, int>> entryOf_[2];
     std::vector<Differential> differentials_;
 };
 

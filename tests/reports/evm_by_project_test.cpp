@@ -99,7 +99,7 @@ TEST_F(EvmByProject, EachPeriodTakesItsShareAndTheFutureStaysBlankButForPlannedV
     EXPECT_DOUBLE_EQ(Number(kSheet, 9, 3), 780);
     EXPECT_EQ(Formula(kSheet, 9, 4), "");
     EXPECT_EQ(Text(kSheet, 9, 8), "");
-    EXPECT_EQ(sheethost::EffectiveStyle(Sheet(), 3, 6).conditions.at(0).formula1, "=0.0");
+    EXPECT_EQ(sheethost::EffectiveStyle(Sheet(), 3, 6)->conditions.at(0).formula1, "=0.0");
 }
 
 TEST_F(EvmByProject, TwoLineChartsTakeTheirSeriesFromTheCumulativeTable) {

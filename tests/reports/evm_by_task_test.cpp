@@ -101,9 +101,9 @@ TEST_F(EvmByTask, ARowHoldsTheFiguresAndTheFormulasThatFollowThem) {
     ASSERT_EQ(variance.conditions.size(), 1U);
     EXPECT_EQ(variance.conditions[0].formula1, "=0.0");
     EXPECT_EQ(variance.conditions[0].fontColorIndex, 3);
-    EXPECT_EQ(sheethost::EffectiveStyle(*Report(kSheet), 3, 9).conditions.at(0).formula1, "=1.0");
+    EXPECT_EQ(sheethost::EffectiveStyle(*Report(kSheet), 3, 9)->conditions.at(0).formula1, "=1.0");
     EXPECT_EQ(variance.numberFormat, "0.00_ ");
-    EXPECT_EQ(sheethost::EffectiveStyle(*Report(kSheet), 2, 2).interior.colorIndex, 35);
+    EXPECT_EQ(sheethost::EffectiveStyle(*Report(kSheet), 2, 2)->interior.colorIndex, 35);
 }
 
 TEST_F(EvmByTask, CaptionsComeFromTheDictionaryAndAMissingOneIsEmpty) {

@@ -56,7 +56,8 @@ class LoadSettingsTest : public ::testing::Test {
     void BorderRightEdge(int firstRow, int lastRow) {
         for (int row = firstRow; row <= lastRow; ++row) {
             sheethost::CellAt(*wbs_, row, 13)
-                .style.borders[sheethost::xl::kEdgeRight - sheethost::xl::kDiagonalDown]
+                .style.Edit()
+                .borders[sheethost::xl::kEdgeRight - sheethost::xl::kDiagonalDown]
                 .lineStyle = sheethost::xl::kContinuous;
         }
     }
@@ -186,7 +187,8 @@ TEST_F(LoadSettingsTest, AMissingCalendarKeepsTheEarlierSpan) {
 
 TEST_F(LoadSettingsTest, LastTableRowFollowsTheRightBorderOnly) {
     sheethost::CellAt(*wbs_, 41, 13)
-        .style.borders[sheethost::xl::kEdgeBottom - sheethost::xl::kDiagonalDown]
+        .style.Edit()
+        .borders[sheethost::xl::kEdgeBottom - sheethost::xl::kDiagonalDown]
         .lineStyle = sheethost::xl::kContinuous;
     ASSERT_TRUE(Load());
     EXPECT_EQ(LastTableRow(), 40);
@@ -203,7 +205,8 @@ TEST_F(LoadSettingsTest, LastTableRowReadInBlocksFindsTheSameRowWhateverTheLines
         BorderRightEdge(5, end);
         for (int row = 5; row <= end; row += 7) {
             sheethost::CellAt(*wbs_, row, 13)
-                .style.borders[sheethost::xl::kEdgeRight - sheethost::xl::kDiagonalDown]
+                .style.Edit()
+                .borders[sheethost::xl::kEdgeRight - sheethost::xl::kDiagonalDown]
                 .lineStyle = kDashed;
         }
         EXPECT_EQ(LastTableRow(), end);

@@ -74,7 +74,7 @@ TEST(JsonLimits, FormatsOverTheWholeSheetAreWorkedOutOnceAndRowRangesAreBounded)
     }
     const auto book = sheethost::LoadWorkbookJson(OneSheet(R"(,"formats":[)" + formats + "]"));
     ASSERT_NE(book, nullptr);
-    EXPECT_TRUE(book->sheets[0]->columns.at(16384).style->font.bold);
+    EXPECT_TRUE((*book->sheets[0]->columns.at(16384).style)->font.bold);
 
     EXPECT_EQ(Refused(OneSheet(R"(,"rows":{"1:1048576":{"height":20}})")),
               "sheets[0].rows.1:1048576: give rows their height, visibility or format at most "

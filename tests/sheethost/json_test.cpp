@@ -58,28 +58,28 @@ TEST(JsonTest, LoadsEveryPartOfTheDescription) {
     EXPECT_EQ(book->sheets[1]->frozenAt, sheethost::CellRef{});
     EXPECT_EQ(wbs.columns.at(1).width, 2.5);
     EXPECT_TRUE(wbs.columns.at(5).hidden);
-    EXPECT_EQ(wbs.columns.at(4).style->interior.colorIndex, 35);
+    EXPECT_EQ((*wbs.columns.at(4).style)->interior.colorIndex, 35);
     // A fill given by its index alone takes the palette's colour, as setting ColorIndex does.
-    EXPECT_EQ(wbs.columns.at(4).style->interior.color, 0xCCFFCC);
+    EXPECT_EQ((*wbs.columns.at(4).style)->interior.color, 0xCCFFCC);
     EXPECT_EQ(wbs.rows.at(5).height, 18.75);
-    EXPECT_TRUE(wbs.rows.at(7).style->font.bold);
+    EXPECT_TRUE((*wbs.rows.at(7).style)->font.bold);
 
     const auto cell = [&](int row, int column) { return *sheethost::FindCell(wbs, row, column); };
     EXPECT_EQ(std::get<double>(cell(5, 5).value), 45383 + 8.0 / 24);
-    EXPECT_EQ(cell(5, 5).style.numberFormat, "yyyy/m/d h:mm");
+    EXPECT_EQ(cell(5, 5).style->numberFormat, "yyyy/m/d h:mm");
     EXPECT_TRUE(cell(5, 6).quotePrefix);
     EXPECT_EQ(cell(5, 8).formula, "=MIN(H6:H9)");
     // A row format is the base of its cells; a named style replaces it; {} is the default.
-    EXPECT_EQ(cell(6, 2).style.font.colorIndex, 3);
-    EXPECT_FALSE(cell(6, 2).style.font.bold);
-    EXPECT_EQ(cell(6, 2).style.interior.colorIndex, 35);
+    EXPECT_EQ(cell(6, 2).style->font.colorIndex, 3);
+    EXPECT_FALSE(cell(6, 2).style->font.bold);
+    EXPECT_EQ(cell(6, 2).style->interior.colorIndex, 35);
     EXPECT_EQ(cell(6, 3).value, sheethost::Value(sheethost::ErrorValue::kNA));
-    EXPECT_TRUE(cell(6, 3).style.font.bold);
-    EXPECT_FALSE(cell(6, 4).style.font.bold);
-    EXPECT_EQ(cell(12, 13).style.borders[5].weight, -4138);
+    EXPECT_TRUE(cell(6, 3).style->font.bold);
+    EXPECT_FALSE(cell(6, 4).style->font.bold);
+    EXPECT_EQ(cell(12, 13).style->borders[5].weight, -4138);
     // Formats lay over what the cells had.
-    EXPECT_EQ(cell(9, 3).style.numberFormat, "0.00");
-    EXPECT_EQ(cell(9, 3).style.interior.colorIndex, 35);
+    EXPECT_EQ(cell(9, 3).style->numberFormat, "0.00");
+    EXPECT_EQ(cell(9, 3).style->interior.colorIndex, 35);
     EXPECT_EQ(wbs.names.front().refersTo, "=WBS!$B$5");
 }
 

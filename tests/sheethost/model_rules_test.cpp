@@ -39,11 +39,11 @@ TEST(ModelRulesTest, CellsInheritRowThenColumnFormatsAndDropEmptyEntries) {
     Sheet sheet;
     sheethost::ChangeStyle(sheet, {Area{1, 3, sheethost::kMaxRow, 3}},
                            [](sheethost::Style& style) { style.numberFormat = "0.00"; });
-    EXPECT_EQ(sheethost::EffectiveStyle(sheet, 500, 3).numberFormat, "0.00");
+    EXPECT_EQ(sheethost::EffectiveStyle(sheet, 500, 3)->numberFormat, "0.00");
     EXPECT_TRUE(sheet.cells.empty());
     // A new cell starts from what it inherits; with nothing of its own it is dropped again.
     CellAt(sheet, 4, 3).value = 1.0;
-    EXPECT_EQ(sheet.cells.at({4, 3}).style.numberFormat, "0.00");
+    EXPECT_EQ(sheet.cells.at({4, 3}).style->numberFormat, "0.00");
     sheethost::ClearContents(sheet, {Area{4, 3, 4, 3}});
     EXPECT_TRUE(sheet.cells.empty());
     sheethost::ClearFormats(sheet, {Area{1, 3, sheethost::kMaxRow, 3}});

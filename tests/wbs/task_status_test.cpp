@@ -157,7 +157,7 @@ TEST_F(StatusProject, RecolouringLeavesOneMarkerAndOneFrameARow) {
 
 TEST_F(StatusProject, AResetClearsEarlierColoursAndConditions) {
     project.Bind();
-    sheethost::Style& style = sheethost::CellAt(project.Host("WBS"), 14, 3).style;
+    sheethost::Style& style = sheethost::CellAt(project.Host("WBS"), 14, 3).style.Edit();
     style.interior.colorIndex = 6;
     style.conditions.push_back({});
 

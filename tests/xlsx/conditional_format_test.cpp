@@ -14,7 +14,7 @@ namespace xl = sheethost::xl;
 using sheethost::FormatCondition;
 
 std::vector<FormatCondition> ConditionsAt(const sheethost::Sheet& sheet, int row, int column) {
-    return sheethost::EffectiveStyle(sheet, row, column).conditions;
+    return sheethost::EffectiveStyle(sheet, row, column)->conditions;
 }
 
 TEST(ConditionalFormats, RedBelowThresholdAndRowRulesSurviveASaveAndALoad) {
@@ -26,12 +26,13 @@ TEST(ConditionalFormats, RedBelowThresholdAndRowRulesSurviveASaveAndALoad) {
     const FormatCondition expression{xl::kExpression, xl::kBetween, "=$A12>0", "", 5, 35};
     for (int row = 3; row <= 9; ++row) {
         for (int column = 3; column <= 12; ++column) {
-            sheethost::CellAt(sheet, row, column).style.conditions = {lessThanRed};
+            sheethost::CellAt(sheet, row, column).style.Edit().conditions = {lessThanRed};
         }
     }
-    sheethost::CellAt(sheet, 9, 13).style.conditions = {lessThanRed, between};
-    sheet.rows[12].style = sheethost::Style{};
-    sheet.rows[12].style->conditions = {expression};
+    sheethost::CellAt(sheet, 9, 13).style.Edit().conditions = {lessThanRed, between};
+    sheethost::Style withExpression;
+    withExpression.conditions = {expression};
+    sheet.rows[12].style = withExpression;
     SaveXlsx(*book, {}, folder / "report.xlsx");
 
     const std::string xml = ReadPart(folder / "report.xlsx", "xl/worksheets/sheet1.xml");
@@ -64,8 +65,8 @@ TEST(ConditionalFormats, RulesOfOtherKindsStayWhenTheHostsRulesAreDeleted) {
     ASSERT_EQ(ConditionsAt(sheet, 2, 2).size(), 1u);
     EXPECT_EQ(ConditionsAt(sheet, 2, 2)[0].formula1, "=1.0");
     EXPECT_EQ(ConditionsAt(sheet, 2, 2)[0].comparison, xl::kLess);
-    sheethost::CellAt(sheet, 2, 2).style.conditions.clear();
-    sheethost::CellAt(sheet, 3, 2).style.conditions.clear();
+    sheethost::CellAt(sheet, 2, 2).style.Edit().conditions.clear();
+    sheethost::CellAt(sheet, 3, 2).style.Edit().conditions.clear();
     SaveXlsx(*book, folder / "plan.xlsm", folder / "saved.xlsm");
 
     const std::string xml = ReadPart(folder / "saved.xlsm", "xl/worksheets/sheet1.xml");

@@ -55,7 +55,7 @@ std::shared_ptr<sheethost::Sheet> ReportSheet() {
     sheethost::CellAt(*sheet, 2, 3).value = std::string("PV");
     for (int row = 3; row <= 6; ++row) {
         sheethost::CellAt(*sheet, row, 3).value = row * 10.0;
-        sheethost::CellAt(*sheet, row, 4).style.conditions = {
+        sheethost::CellAt(*sheet, row, 4).style.Edit().conditions = {
             {sheethost::xl::kCellValue, sheethost::xl::kLess, "=1.0", "", 3, std::nullopt}};
     }
     Shape frame;
@@ -138,8 +138,8 @@ TEST_F(MacroWorkbookDrawings, AddedDrawingsAreRelatedTypedAndReadBackWhileTheMac
     const sheethost::Sheet& evm = *again->sheets[2];
     ASSERT_EQ(evm.charts.size(), 1u);
     EXPECT_EQ(evm.charts[0]->series, book->sheets[2]->charts[0]->series);
-    EXPECT_EQ(sheethost::EffectiveStyle(evm, 6, 4).conditions,
-              sheethost::EffectiveStyle(*book->sheets[2], 6, 4).conditions);
+    EXPECT_EQ(sheethost::EffectiveStyle(evm, 6, 4)->conditions,
+              sheethost::EffectiveStyle(*book->sheets[2], 6, 4)->conditions);
 
     // Saved again unchanged, the added parts stay as they were written.
     SaveXlsx(*again, saved, folder / "again.xlsm");

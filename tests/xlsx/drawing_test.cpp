@@ -426,7 +426,7 @@ TEST_F(DrawingTest, ColoursComeFromTheWorkbooksOwnTheme) {
     ASSERT_EQ(sheet.shapes.size(), 1u);
     EXPECT_EQ(sheet.shapes[0]->fill.foreColor, 0xBD814F);
     // "Lighter 40%" of the accent as the spreadsheet's colour picker shows it: 95B3D7.
-    const std::int32_t fill = sheethost::FindCell(sheet, 1, 1)->style.interior.color;
+    const std::int32_t fill = sheethost::FindCell(sheet, 1, 1)->style->interior.color;
     EXPECT_TRUE(NearColour(fill, 0xD7B395)) << std::hex << fill;
 }
 

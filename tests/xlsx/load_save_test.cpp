@@ -54,8 +54,8 @@ TEST_F(SampleTest, LoadsSheetsValuesAndFormulas) {
 TEST_F(SampleTest, LoadsFormatsGeometryAndNames) {
     const auto book = Load();
     const sheethost::Sheet& wbs = *book->sheets[0];
-    EXPECT_EQ(At(wbs, 2, 4).style.numberFormat, "m/d/yyyy");
-    EXPECT_TRUE(sheethost::IsDateFormat(At(wbs, 2, 4).style.numberFormat));
+    EXPECT_EQ(At(wbs, 2, 4).style->numberFormat, "m/d/yyyy");
+    EXPECT_TRUE(sheethost::IsDateFormat(At(wbs, 2, 4).style->numberFormat));
     EXPECT_TRUE(At(wbs, 1, 4).quotePrefix);
 
     const sheethost::Style& rich = At(wbs, 3, 2).style;
@@ -80,13 +80,13 @@ TEST_F(SampleTest, LoadsFormatsGeometryAndNames) {
     EXPECT_DOUBLE_EQ(*wbs.columns.at(2).width, 20.0);
     EXPECT_TRUE(wbs.columns.at(5).hidden);
     EXPECT_NEAR(*wbs.columns.at(5).width, sheethost::kStandardColumnWidth, 1e-9);
-    EXPECT_EQ(wbs.columns.at(6).style->interior.colorIndex, 6);
+    EXPECT_EQ((*wbs.columns.at(6).style)->interior.colorIndex, 6);
     // A cell formatted like its column has no entry of its own; one formatted unlike it has.
     EXPECT_EQ(sheethost::FindCell(wbs, 5, 6), nullptr);
     EXPECT_NE(sheethost::FindCell(wbs, 5, 7), nullptr);
     EXPECT_EQ(wbs.rows.at(1).height, 30);
     EXPECT_TRUE(wbs.rows.at(2).hidden);
-    EXPECT_EQ(wbs.rows.at(7).style->interior.colorIndex, 6);
+    EXPECT_EQ((*wbs.rows.at(7).style)->interior.colorIndex, 6);
 
     ASSERT_EQ(book->names.size(), 1u);
     EXPECT_EQ(book->names[0], (sheethost::DefinedName{"Start", "=Settings!$B$1"}));
@@ -100,9 +100,9 @@ TEST_F(SampleTest, RoundTripKeepsTheModelAndEverythingItDoesNotModel) {
     sheethost::CellAt(wbs, 6, 1).formula = "=SUM(A2:A5)";
     sheethost::Cell& note = sheethost::CellAt(wbs, 6, 2);
     note.value = std::string("new <text> & more");
-    note.style.font.bold = true;
-    note.style.interior = {4, 0x00FF00, xl::kPatternSolid};
-    note.style.numberFormat = "0.000";
+    note.style.Edit().font.bold = true;
+    note.style.Edit().interior = {4, 0x00FF00, xl::kPatternSolid};
+    note.style.Edit().numberFormat = "0.000";
     wbs.rows[6].hidden = true;
     wbs.rows.Edit().erase(2);  // shown again
     auto added = std::make_shared<sheethost::Sheet>();

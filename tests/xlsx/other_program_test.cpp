@@ -58,10 +58,10 @@ TEST(OtherProgram, OpenpyxlWorkbookLoadsAndSurvivesASave) {
     EXPECT_EQ(plan.codeName, "wsPlan");
     EXPECT_EQ(book->sheets[1]->name, "Other Sheet");
     EXPECT_EQ(sheethost::FindCell(plan, 1, 1)->value, sheethost::Value(std::string("Name")));
-    EXPECT_TRUE(sheethost::FindCell(plan, 1, 1)->style.font.bold);
-    EXPECT_EQ(sheethost::FindCell(plan, 1, 2)->style.interior.colorIndex, 3);
+    EXPECT_TRUE(sheethost::FindCell(plan, 1, 1)->style->font.bold);
+    EXPECT_EQ(sheethost::FindCell(plan, 1, 2)->style->interior.colorIndex, 3);
     EXPECT_EQ(sheethost::FindCell(plan, 1, 3)->formula, "=B1*4");
-    EXPECT_TRUE(sheethost::IsDateFormat(sheethost::FindCell(plan, 1, 4)->style.numberFormat));
+    EXPECT_TRUE(sheethost::IsDateFormat(sheethost::FindCell(plan, 1, 4)->style->numberFormat));
     EXPECT_EQ(sheethost::FindCell(plan, 1, 4)->value, sheethost::Value(45352.0));
     EXPECT_TRUE(plan.rows.at(3).hidden);
     EXPECT_NEAR(*plan.columns.at(1).width, 25, 0.75);
