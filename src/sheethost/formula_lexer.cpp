@@ -158,12 +158,13 @@ class Lexer {
 
     std::optional<std::vector<Token>> Run() {
         std::vector<Token> tokens;
+        // A token takes two characters or more but for the one-character punctuation.
+        tokens.reserve(body_.size() / 2 + 1);
         for (SkipBlanks(); pos_ < body_.size(); SkipBlanks()) {
             const std::size_t start = pos_;
-            Token token{};
+            Token& token = tokens.emplace_back();
             if (!Next(token)) return std::nullopt;
             token.source = body_.substr(start, pos_ - start);
-            tokens.push_back(std::move(token));
         }
         return tokens;
     }
