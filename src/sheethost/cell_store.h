@@ -77,8 +77,16 @@ class CellStore {
         if (found == index_.end()) throw std::out_of_range("no such cell");
         return found->second->second;
     }
-    iterator lower_bound(const CellRef& ref) { return map_.lower_bound(ref); }
-    const_iterator lower_bound(const CellRef& ref) const { return map_.lower_bound(ref); }
+    // A walk over a block starts each row at its first cell, which is mostly there: the index
+    // answers that before the map is searched.
+    iterator lower_bound(const CellRef& ref) {
+        const auto found = index_.find(ref);
+        return found != index_.end() ? found->second : map_.lower_bound(ref);
+    }
+    const_iterator lower_bound(const CellRef& ref) const {
+        const auto found = index_.find(ref);
+        return found != index_.end() ? const_iterator(found->second) : map_.lower_bound(ref);
+    }
 
     std::pair<iterator, bool> emplace(const CellRef& ref, Cell cell) {
         const auto placed = map_.emplace(ref, std::move(cell));

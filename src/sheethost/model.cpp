@@ -24,15 +24,20 @@ Style& SharedStyle::Edit() {
     return *style_;
 }
 
+const SharedStyle* RowStyle(const Sheet& sheet, int row) {
+    const auto found = sheet.rows.find(row);
+    return found != sheet.rows.end() && found->second.style ? &*found->second.style : nullptr;
+}
+
+const SharedStyle& ColumnStyle(const Sheet& sheet, int column) {
+    const auto found = sheet.columns.find(column);
+    return found != sheet.columns.end() && found->second.style ? *found->second.style
+                                                                : DefaultStyle();
+}
+
 const SharedStyle& InheritedStyle(const Sheet& sheet, int row, int column) {
-    if (const auto found = sheet.rows.find(row); found != sheet.rows.end() && found->second.style) {
-        return *found->second.style;
-    }
-    if (const auto found = sheet.columns.find(column);
-        found != sheet.columns.end() && found->second.style) {
-        return *found->second.style;
-    }
-    return DefaultStyle();
+    const SharedStyle* rowStyle = RowStyle(sheet, row);
+    return rowStyle != nullptr ? *rowStyle : ColumnStyle(sheet, column);
 }
 
 const SharedStyle& EffectiveStyle(const Sheet& sheet, int row, int column) {
@@ -63,8 +68,11 @@ void TrimCell(Sheet& sheet, int row, int column) {
 }
 
 bool IsBareCell(const Sheet& sheet, const CellRef& ref, const Cell& cell) {
-    return std::holds_alternative<Blank>(cell.value) && cell.formula.empty() && !cell.quotePrefix &&
-           cell.style == InheritedStyle(sheet, ref.row, ref.column);
+    return HoldsNothing(cell) && cell.style == InheritedStyle(sheet, ref.row, ref.column);
+}
+
+bool HoldsNothing(const Cell& cell) {
+    return std::holds_alternative<Blank>(cell.value) && cell.formula.empty() && !cell.quotePrefix;
 }
 
 std::size_t CharacterCount(std::string_view utf8) {

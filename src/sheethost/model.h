@@ -324,8 +324,13 @@ const Cell* FindCell(const Sheet& sheet, int row, int column);
 void TrimCell(Sheet& sheet, int row, int column);
 // The format a cell without an entry of its own shows: its row's, else its column's.
 const SharedStyle& InheritedStyle(const Sheet& sheet, int row, int column);
+// The row's own format, or null; the column's own format, or the default.
+const SharedStyle* RowStyle(const Sheet& sheet, int row);
+const SharedStyle& ColumnStyle(const Sheet& sheet, int column);
 // The entry holds nothing its row or column would not give it.
 bool IsBareCell(const Sheet& sheet, const CellRef& ref, const Cell& cell);
+// No value, formula or apostrophe: only a format, if that.
+bool HoldsNothing(const Cell& cell);
 
 // The spreadsheet's limits on texts, in the UTF-16 units it counts.
 inline constexpr std::size_t kMaxCellCharacters = 32767;

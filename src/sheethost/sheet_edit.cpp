@@ -1,6 +1,7 @@
 #include "sheethost/sheet_edit.h"
 
 #include <algorithm>
+#include <optional>
 #include <unordered_map>
 #include <utility>
 
@@ -51,20 +52,46 @@ class StyleChange {
     explicit StyleChange(const std::function<void(Style&)>& change) : change_(change) {}
 
     void operator()(SharedStyle& style) {
+        // Neighbouring cells mostly share a format: the last one changed is tried first.
+        if (last_ != nullptr && last_->first.Shares(style)) {
+            style = last_->second;
+            return;
+        }
         const Style* key = style.operator->();
         if (const auto done = done_.find(key); done != done_.end()) {
-            style = done->second.second;
+            last_ = &done->second;
+            style = last_->second;
             return;
         }
         SharedStyle before = style;
         change_(style.Edit());
         // The old copy is held so that its address names no other format meanwhile.
-        done_.emplace(key, std::pair{std::move(before), style});
+        last_ = &done_.emplace(key, std::pair{std::move(before), style}).first->second;
     }
 
   private:
     const std::function<void(Style&)>& change_;
     std::unordered_map<const Style*, std::pair<SharedStyle, SharedStyle>> done_;
+    const std::pair<SharedStyle, SharedStyle>* last_ = nullptr;
+};
+
+// Whether a cell's format is the one it would inherit, asked for many cells that mostly share
+// both: the last answer is kept.
+class InheritsCheck {
+  public:
+    bool operator()(const SharedStyle& own, const SharedStyle& inherited) {
+        if (!own_ || !own_->Shares(own) || !inherited_->Shares(inherited)) {
+            own_ = own;
+            inherited_ = inherited;
+            same_ = own == inherited;
+        }
+        return same_;
+    }
+
+  private:
+    std::optional<SharedStyle> own_;
+    std::optional<SharedStyle> inherited_;
+    bool same_ = false;
 };
 
 void ChangeCells(Sheet& sheet, const std::vector<CellRef>& cells, StyleChange& change) {
@@ -143,17 +170,27 @@ void ChangeSheet(Sheet& sheet, StyleChange& change) {
 // large block grow faster than the block.
 void ChangeBlock(Sheet& sheet, const Area& area, StyleChange& change) {
     auto& cells = sheet.cells;
+    // What the block's cells inherit is looked up once per column and once per row.
+    std::vector<const SharedStyle*> columnStyles;
+    for (int column = area.left; column <= area.right; ++column) {
+        columnStyles.push_back(&ColumnStyle(sheet, column));
+    }
+    InheritsCheck inherits;
     for (int row = area.top; row <= area.bottom; ++row) {
+        const SharedStyle* rowStyle = RowStyle(sheet, row);
         auto at = cells.lower_bound(CellRef{row, area.left});
         for (int column = area.left; column <= area.right; ++column) {
             const CellRef ref{row, column};
+            const SharedStyle& inherited =
+                rowStyle != nullptr ? *rowStyle : *columnStyles[column - area.left];
             if (at == cells.end() || at->first != ref) {
                 Cell cell;
-                cell.style = InheritedStyle(sheet, row, column);
+                cell.style = inherited;
                 at = cells.emplace_hint(at, ref, std::move(cell));
             }
             change(at->second.style);
-            at = IsBareCell(sheet, ref, at->second) ? cells.erase(at) : std::next(at);
+            const bool bare = HoldsNothing(at->second) && inherits(at->second.style, inherited);
+            at = bare ? cells.erase(at) : std::next(at);
         }
     }
 }
@@ -182,7 +219,9 @@ void ChangeStyle(Sheet& sheet, const std::vector<Area>& areas,
         } else if (area.WholeRows()) {
             ChangeRows(sheet, area, change);
         } else {
+            // A block leaves the formats of its rows and columns as they were.
             ChangeBlock(sheet, area, change);
+            continue;
         }
         NormalizeRowInfos(sheet, area.top, area.bottom);
         NormalizeColumnInfos(sheet, area.left, area.right);
