@@ -19,16 +19,20 @@ double AddLabel(const TaskRecord& task, WideStringView text, double x, double y)
     const XlObject box = EngineWbsSheet().GetObjectPath(".Shapes.AddTextbox(%d,%e,%e,%e,%e)",
                                                         kHorizontalText, x, y, x, y);
     const GanttStyles& styles = EngineGanttStyles();
-    box.SetWide("TextFrame.Characters.Text", text);
-    box.SetNumber("TextFrame.AutoSize", -1);
-    box.SetWide("TextFrame.Characters.font.Name", styles.labelFontName);
-    box.SetNumber("TextFrame.Characters.font.Size", styles.labelFontSize);
-    box.SetNumber("TextFrame.VerticalAlignment", kCentre);
-    box.SetNumber("TextFrame.HorizontalAlignment", kAlignLeft);
-    box.SetNumber("TextFrame.AutoMargins", 0);
-    for (const char* margin : {"TextFrame.MarginLeft", "TextFrame.MarginBottom",
-                               "TextFrame.MarginRight", "TextFrame.MarginTop"}) {
-        box.SetNumber(margin, 0);
+    // The text frame, its characters and their font are fetched once: each step of a member
+    // path is a call of its own.
+    const XlObject frame = box.GetObjectPath(".TextFrame");
+    const XlObject characters = frame.GetObjectPath(".Characters");
+    characters.SetWide("Text", text);
+    frame.SetNumber("AutoSize", -1);
+    const XlObject font = characters.GetObjectPath(".font");
+    font.SetWide("Name", styles.labelFontName);
+    font.SetNumber("Size", styles.labelFontSize);
+    frame.SetNumber("VerticalAlignment", kCentre);
+    frame.SetNumber("HorizontalAlignment", kAlignLeft);
+    frame.SetNumber("AutoMargins", 0);
+    for (const char* margin : {"MarginLeft", "MarginBottom", "MarginRight", "MarginTop"}) {
+        frame.SetNumber(margin, 0);
     }
     box.SetNumber("Fill.Visible", 0);
     box.SetNumber("Line.Visible", 0);

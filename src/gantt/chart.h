@@ -9,13 +9,16 @@
 
 #include <cstdint>
 
+#include "gantt/gantt.h"
 #include "wbs/task_table.h"
 
 // Deletes every bar and label of the sheet, draws every task of the table in table order, then
 // every connector.
 void DrawAllTaskBars();
 // Draws the line of one task (reading its row again first): bars or typed symbols, progress and
-// label. A task without a planned start gets nothing.
+// label. A task without a planned start gets nothing. The places of cells already read by the
+// same drawing come from `geometry`.
+void DrawTaskBars(TaskRecord& task, ChartGeometry& geometry);
 void DrawTaskBars(TaskRecord& task);
 
 // Deletes the row's bar-prefixed shapes "A", "B", ... up to the first missing letter; true when

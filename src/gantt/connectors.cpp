@@ -103,11 +103,14 @@ void AddConnector(ConnectorLink& link, int begin, int end) {
                                        from.GetTop(), to.GetLeft(), to.GetTop());
     const XlObject& connector = link.connector;
     const ShapeTemplate look = ConnectorTemplate();
-    connector.SetNumber("Line.EndArrowheadStyle", kTriangle);
-    connector.SetNumber("Line.ForeColor.RGB", link.colourFromTemplate == 1 ? look.LineColor() : 0);
-    connector.SetNumber("Line.Weight", look.LineWeight());
-    connector.Call(".ConnectorFormat.BeginConnect(%o,%d)", from.object(), begin);
-    connector.Call(".ConnectorFormat.EndConnect(%o,%d)", to.object(), end);
+    // The line and the connector format are fetched once each.
+    const XlObject line = connector.GetObjectPath(".Line");
+    line.SetNumber("EndArrowheadStyle", kTriangle);
+    line.SetNumber("ForeColor.RGB", link.colourFromTemplate == 1 ? look.LineColor() : 0);
+    line.SetNumber("Weight", look.LineWeight());
+    const XlObject format = connector.GetObjectPath(".ConnectorFormat");
+    format.Call(".BeginConnect(%o,%d)", from.object(), begin);
+    format.Call(".EndConnect(%o,%d)", to.object(), end);
     if (link.adjustElbow == 1) {
         const auto [position, offset] = ComputeElbowAdjustments(link);
         const XlObject adjustments = connector.GetAdjustments();

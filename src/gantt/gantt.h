@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 
 #include "com/text.h"
 #include "core/engine_state.h"
@@ -69,9 +70,25 @@ void DeleteTaskBars();
 void DeleteTaskConnectors();
 
 // Geometry of a task row's chart cells.
+// The places of cells of the task sheet, each read once: a cell's left and width follow from its
+// column and its top and height from its row. Kept for as long as nothing changes the sheet's
+// rows or columns, such as while the bars of the whole table are drawn.
+class ChartGeometry {
+  public:
+    BarRect CellRect(std::int64_t row, std::int64_t column);
+
+  private:
+    struct Extent {
+        double start = 0;
+        double size = 0;
+    };
+    std::unordered_map<std::int64_t, Extent> columns_;
+    std::unordered_map<std::int64_t, Extent> rows_;
+};
 // The one-minute slot of the chart cell on `row` that holds time `t`.
+BarRect TimeToCellRect(std::int64_t row, double t, ChartGeometry& geometry);
 BarRect TimeToCellRect(std::int64_t row, double t);
 // From a's left edge to b's right edge.
 BarRect SpanRect(const BarRect& a, const BarRect& b);
 // Fills the task's slots and its planned and actual bars from its dates.
-void ComputeTaskBarRects(TaskRecord& task);
+void ComputeTaskBarRects(TaskRecord& task, ChartGeometry& geometry);

@@ -73,9 +73,9 @@ double RightEdge(const XlObject& shape) {
     return shape.GetLeft() + shape.GetWidth();
 }
 
-void DrawTaskBars(TaskRecord& task) {
+void DrawTaskBars(TaskRecord& task, ChartGeometry& geometry) {
     TaskRecord_ReadRow(task);
-    ComputeTaskBarRects(task);
+    ComputeTaskBarRects(task, geometry);
     if (task.plannedStart == 0) {
         return;
     }
@@ -95,10 +95,17 @@ void DrawTaskBars(TaskRecord& task) {
     AddLabel(task, LabelText(task), x, task.plannedBar.top);
 }
 
+void DrawTaskBars(TaskRecord& task) {
+    ChartGeometry geometry;
+    DrawTaskBars(task, geometry);
+}
+
 void DrawAllTaskBars() {
     DeleteTaskBars();
+    // Drawing shapes moves no row or column: each is measured once for the whole table.
+    ChartGeometry geometry;
     for (TaskRecord* task = Tasks_First(); task != nullptr; task = Tasks_Next(*task)) {
-        DrawTaskBars(*task);
+        DrawTaskBars(*task, geometry);
     }
     DrawAllConnectors();
 }

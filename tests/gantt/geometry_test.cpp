@@ -2,6 +2,8 @@
 // planned and actual bars.
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 #include "engine/refresh.h"
 #include "gantt/gantt.h"
 #include "support/project_json.h"
@@ -49,6 +51,28 @@ TEST_F(BarGeometry, ATimeBeforeTheProjectKeepsItsOffsetInTheFirstColumn) {
     EXPECT_DOUBLE_EQ(slot.left, ai.left - 7.5);
 }
 
+TEST_F(BarGeometry, CellsMeasuredOnceKeepTheirOwnRowsAndColumns) {
+    // Rows and columns of different sizes, read in an order that mixes what is known already
+    // with what is not: each cell must come out as it is on the sheet.
+    project.Sheet("WBS")["rows"]["13"] = {{"height", 30}};
+    project.Sheet("WBS")["columns"]["AK"] = {{"width", 12}};
+    project.Bind();
+    ChartGeometry geometry;
+    for (const auto& [row, column, address] : {std::tuple{12, 35, "AI12"},
+                                               {13, 35, "AI13"},
+                                               {12, 36, "AJ12"},
+                                               {13, 37, "AK13"},
+                                               {12, 37, "AK12"},
+                                               {13, 36, "AJ13"}}) {
+        const BarRect cell = geometry.CellRect(row, column);
+        const ProjectJson::Box box = project.CellBox(address);
+        EXPECT_DOUBLE_EQ(cell.left, box.left) << address;
+        EXPECT_DOUBLE_EQ(cell.top, box.top) << address;
+        EXPECT_DOUBLE_EQ(cell.width, box.width) << address;
+        EXPECT_DOUBLE_EQ(cell.height, box.height) << address;
+    }
+}
+
 TEST(SpanRect, RunsFromTheFirstLeftEdgeToTheSecondRightEdge) {
     const BarRect a{10, 5, 2, 10};
     const BarRect b{40, 3, 4, 12};
@@ -71,7 +95,8 @@ TEST_F(BarGeometry, PlannedAndActualBarsFollowTheDatesThatAreSet) {
     task.plannedEnd = kStart + 90 * kMinute;
     task.actualStart = kStart + 60 * kMinute;
 
-    ComputeTaskBarRects(task);
+    ChartGeometry geometry;
+    ComputeTaskBarRects(task, geometry);
 
     EXPECT_DOUBLE_EQ(task.plannedBar.left, ai.left + 15);
     EXPECT_DOUBLE_EQ(task.plannedBar.width, aj.left + 15 + 0.5 - 1.5 - (ai.left + 15));
@@ -80,7 +105,7 @@ TEST_F(BarGeometry, PlannedAndActualBarsFollowTheDatesThatAreSet) {
     EXPECT_DOUBLE_EQ(task.actualBar.width, 0.5 - 1.5);
 
     task.actualStart = 0;
-    ComputeTaskBarRects(task);
+    ComputeTaskBarRects(task, geometry);
     EXPECT_DOUBLE_EQ(task.actualBar.left, task.plannedBar.left);
     EXPECT_DOUBLE_EQ(task.actualBar.width, task.plannedBar.width);
 
@@ -88,7 +113,7 @@ TEST_F(BarGeometry, PlannedAndActualBarsFollowTheDatesThatAreSet) {
     const BarRect before = task.plannedBar;
     task.plannedStart = 0;
     task.plannedEnd = kStart;
-    ComputeTaskBarRects(task);
+    ComputeTaskBarRects(task, geometry);
     EXPECT_DOUBLE_EQ(task.plannedBar.left, before.left);
     EXPECT_DOUBLE_EQ(task.plannedBar.width, before.width);
 }
