@@ -88,19 +88,20 @@ std::pair<float, float> ComputeElbowAdjustments(const ConnectorLink& link) {
 void AddConnector(ConnectorLink& link, int begin, int end) {
     const XlObject& from = link.fromShape;
     const XlObject& to = link.toShape;
+    const double fromLeft = from.GetLeft();
+    const double toLeft = to.GetLeft();
     // Bars that nearly meet, the second just after the first, are joined by a straight line.
     int kind = kElbow;
     if ((begin == kRightSite && end == kLeftSite) || (begin == kLeftSite && end == kRightSite)) {
         const float gap = begin == kRightSite
-                              ? static_cast<float>(to.GetLeft() - from.GetLeft() - from.GetWidth())
-                              : static_cast<float>(from.GetLeft() - to.GetLeft() - to.GetWidth());
+                              ? static_cast<float>(toLeft - fromLeft - from.GetWidth())
+                              : static_cast<float>(fromLeft - toLeft - to.GetWidth());
         if (gap >= 0 && gap <= to.GetHeight() / 2) {
             kind = kStraight;
         }
     }
-    link.connector =
-        EngineWbsSheet().GetObjectPath(".Shapes.AddConnector(%d,%e,%e,%e,%e)", kind, from.GetLeft(),
-                                       from.GetTop(), to.GetLeft(), to.GetTop());
+    link.connector = EngineWbsSheet().GetObjectPath(".Shapes.AddConnector(%d,%e,%e,%e,%e)", kind,
+                                                    fromLeft, from.GetTop(), toLeft, to.GetTop());
     const XlObject& connector = link.connector;
     const ShapeTemplate look = ConnectorTemplate();
     // The line and the connector format are fetched once each.
