@@ -6,7 +6,6 @@
 #pragma once
 
 #include <cstddef>
-#include <cstdint>
 #include <functional>
 #include <map>
 #include <stdexcept>
@@ -116,10 +115,12 @@ class CellStore {
     bool operator==(const CellStore& other) const { return map_ == other.map_; }
 
   private:
+    // Cells of neighbouring rows land in nearby buckets, so that the lookups of a formula over
+    // the rows below it, or of a walk down a table, stay within a few pages of the bucket array.
+    // Keys are distinct for the first 1,024 columns; further columns share chains.
     struct RefHash {
         std::size_t operator()(const CellRef& ref) const {
-            return std::hash<std::uint64_t>{}(static_cast<std::uint64_t>(ref.row) << 32 |
-                                              static_cast<std::uint32_t>(ref.column));
+            return static_cast<std::size_t>(ref.row) * 1024 + static_cast<std::size_t>(ref.column);
         }
     };
 
