@@ -61,6 +61,8 @@ class CellStore {
     const_iterator end() const { return map_.end(); }
     typename Map::const_reverse_iterator rbegin() const { return map_.rbegin(); }
     bool empty() const { return map_.empty(); }
+    // Room in the index for this many cells, for a reader that knows how many are coming.
+    void reserve(std::size_t cells) { index_.reserve(cells); }
     std::size_t size() const { return map_.size(); }
 
     iterator find(const CellRef& ref) {
@@ -88,9 +90,11 @@ class CellStore {
     }
 
     std::pair<iterator, bool> emplace(const CellRef& ref, Cell cell) {
-        const auto placed = map_.emplace(ref, std::move(cell));
-        if (placed.second) index_.emplace(ref, placed.first);
-        return placed;
+        if (const iterator found = find(ref); found != map_.end()) return {found, false};
+        // Cells mostly come in order, as a file or a new table is read: the end is tried first.
+        const iterator placed = map_.emplace_hint(map_.end(), ref, std::move(cell));
+        index_.emplace(ref, placed);
+        return {placed, true};
     }
     iterator emplace_hint(const_iterator hint, const CellRef& ref, Cell cell) {
         const std::size_t before = map_.size();

@@ -65,8 +65,12 @@ class WorksheetReader {
     }
 
     void ReadRows(const pugi::xml_node& sheetData) {
+        const std::vector<pugi::xml_node> rows = Children(sheetData, "row");
+        std::size_t cells = 0;
+        for (const pugi::xml_node& rowNode : rows) cells += Children(rowNode, "c").size();
+        sheet_.cells.reserve(cells);
         int row = 0;
-        for (pugi::xml_node rowNode : Children(sheetData, "row")) {
+        for (pugi::xml_node rowNode : rows) {
             row = rowNode.attribute("r").as_int(row + 1);
             if (row < 1 || row > sheethost::kMaxRow) continue;
             ReadRowInfo(rowNode, row);
