@@ -1,7 +1,7 @@
 // Measures every built command, and the workbook files, on projects of 1,000 and 10,000 tasks:
 // the sample's task rows repeated until the project holds that many. Each measurement runs in a
-// process of its own, so that its peak memory is its own. Prints a Markdown table (the README's
-// speed table) and each target next to its measurement.
+// process of its own, so that its peak memory is its own, three times; the fastest counts. Prints
+// a Markdown table (the README's speed table) and each target next to its measurement.
 //
 // usage: command_bench SAMPLE.json [TASKS TASKS]           (default 1000 10000)
 //        command_bench SAMPLE.json --profile COMMAND TASKS  (the host members a command calls)
@@ -55,6 +55,7 @@ constexpr double kUpdateCallsPerTask = 30;
 constexpr double kUpdateSeconds = 0.5;
 constexpr double kGrowth = 11;
 constexpr double kPeakMegabytes = 200;
+constexpr int kRounds = 3;
 
 // The sample's task rows: the first task row and the last row that holds a task.
 constexpr int kFirstTaskRow = 5;
@@ -257,13 +258,22 @@ int main(int argc, char** argv) {
 
     std::vector<std::string> rows = {"save .xlsx", "load .xlsx"};
     for (const Command& command : kCommands) rows.insert(rows.end() - 2, command.name);
+    // Each measurement is taken in several rounds over the whole table and the fastest is kept:
+    // on a shared machine the slow runs measure the neighbours, and the rounds spread a slow
+    // spell over both sizes instead of one.
     std::map<std::pair<std::string, int>, Measurement> measured;
-    for (const int tasks : {small, large}) {
-        for (const std::string& row : rows) {
-            const std::string what = row.substr(0, 4) == "save"   ? "save"
-                                     : row.substr(0, 4) == "load" ? "load"
-                                                                  : row;
-            measured[{row, tasks}] = MeasureApart(self, argv[1], what, tasks, file);
+    for (int round = 0; round < kRounds; ++round) {
+        for (const int tasks : {small, large}) {
+            for (const std::string& row : rows) {
+                const std::string what = row.substr(0, 4) == "save"   ? "save"
+                                         : row.substr(0, 4) == "load" ? "load"
+                                                                      : row;
+                const Measurement taken = MeasureApart(self, argv[1], what, tasks, file);
+                const auto known = measured.find({row, tasks});
+                if (known == measured.end() || taken.seconds < known->second.seconds) {
+                    measured[{row, tasks}] = taken;
+                }
+            }
         }
     }
     std::filesystem::remove_all(folder);
