@@ -18,14 +18,16 @@ inline std::filesystem::path Scratch(const char* name) {
 
 // Loads the package at `input`, saves it from itself to `output` and loads that again. A refusal
 // with a message is what a bad package must get; anything else (a crash, a hang, a sanitizer
-// report) is a finding.
+// report) is a finding. What the writer wrote from a package it read must read back: a refusal
+// of the output escapes as a finding too.
 inline void RoundTrip(const std::filesystem::path& input, const std::filesystem::path& output) {
     try {
         const auto book = xlsx::LoadXlsx(input);
         xlsx::SaveXlsx(*book, input, output);
-        xlsx::LoadXlsx(output);
     } catch (const xlsx::XlsxError&) {
+        return;
     }
+    xlsx::LoadXlsx(output);
 }
 
 }  // namespace fuzzing
