@@ -2,6 +2,8 @@
 // FormatCondition (with the font and interior of a condition).
 #include <array>
 #include <cstdint>
+#include <new>
+#include <vector>
 
 #include "sheethost/palette.h"
 #include "sheethost/range_object.h"
@@ -117,6 +119,14 @@ class BorderBase : public DispatchObjectOf<Self> {
     }
 
     void Change(const std::function<void(Border&)>& change) const {
+        // All the edges are weighed before any changes, so that a refusal leaves none changed.
+        std::vector<Area> parts;
+        for (const Area& area : span.areas) {
+            for (int index : indices) {
+                for (const EdgePart& part : EdgeParts(area, index)) parts.push_back(part.cells);
+            }
+        }
+        if (CellsStyledBy(*span.sheet, parts) > kMostCellsStyledAtOnce) throw std::bad_alloc();
         for (const Area& area : span.areas) {
             for (int index : indices) {
                 for (const EdgePart& part : EdgeParts(area, index)) {

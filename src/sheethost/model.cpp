@@ -32,7 +32,7 @@ const SharedStyle* RowStyle(const Sheet& sheet, int row) {
 const SharedStyle& ColumnStyle(const Sheet& sheet, int column) {
     const auto found = sheet.columns.find(column);
     return found != sheet.columns.end() && found->second.style ? *found->second.style
-                                                                : DefaultStyle();
+                                                               : DefaultStyle();
 }
 
 const SharedStyle& InheritedStyle(const Sheet& sheet, int row, int column) {

@@ -1,6 +1,7 @@
 #include "sheethost/sheet_edit.h"
 
 #include <algorithm>
+#include <new>
 #include <optional>
 #include <unordered_map>
 #include <utility>
@@ -208,8 +209,28 @@ std::vector<CellRef> CellsIn(const Sheet& sheet, const Area& area) {
     return cells;
 }
 
+double CellsStyledBy(const Sheet& sheet, const std::vector<Area>& areas) {
+    const auto formatted = [](const auto& lines) {
+        return static_cast<double>(std::count_if(
+            lines.begin(), lines.end(), [](const auto& line) { return line.second.style; }));
+    };
+    double cells = 0;
+    for (const Area& area : areas) {
+        if (area.WholeColumns() && area.WholeRows()) continue;
+        if (area.WholeColumns()) {
+            cells += formatted(sheet.rows) * area.Columns();
+        } else if (area.WholeRows()) {
+            cells += static_cast<double>(area.Rows()) * formatted(sheet.columns);
+        } else {
+            cells += static_cast<double>(area.Rows()) * area.Columns();
+        }
+    }
+    return cells;
+}
+
 void ChangeStyle(Sheet& sheet, const std::vector<Area>& areas,
                  const std::function<void(Style&)>& how) {
+    if (CellsStyledBy(sheet, areas) > kMostCellsStyledAtOnce) throw std::bad_alloc();
     StyleChange change(how);
     for (const Area& area : areas) {
         if (area.WholeColumns() && area.WholeRows()) {

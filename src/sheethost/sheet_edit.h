@@ -19,8 +19,17 @@ inline constexpr double kMostCellsAtOnce = 1000000;
 // The cells with an entry inside the block, in row order.
 std::vector<CellRef> CellsIn(const Sheet& sheet, const Area& area);
 
+// A format change that would give more cells an entry of their own than this is refused before
+// anything changes. The host keeps a format given to a block in each of its cells, and where a
+// formatted row crosses formatted columns; a block of the whole sheet less one row, or whole rows
+// under a sheet-wide column format, would exhaust memory.
+inline constexpr double kMostCellsStyledAtOnce = 10000000;
+// The cells a format change over `areas` may give an entry of their own.
+double CellsStyledBy(const Sheet& sheet, const std::vector<Area>& areas);
+
 // Applies `change` to the format of every cell of the areas (and to the row or column format of
-// whole rows and columns), keeping what each cell inherited.
+// whole rows and columns), keeping what each cell inherited. Throws std::bad_alloc, having changed
+// nothing, when the change is past kMostCellsStyledAtOnce.
 void ChangeStyle(Sheet& sheet, const std::vector<Area>& areas,
                  const std::function<void(Style&)>& change);
 

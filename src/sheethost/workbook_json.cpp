@@ -437,6 +437,9 @@ std::shared_ptr<Sheet> ReadSheet(const Workbook& book, const json& entry, const 
         const auto resolved = ResolveAddress(
             book, sheet, At(at + ".range", [&] { return format.at("range").get<std::string>(); }));
         if (!resolved || resolved->sheet != sheet) Fail(at, "not a range of this sheet");
+        if (CellsStyledBy(*sheet, resolved->areas) > kMostCellsStyledAtOnce) {
+            Fail(at, "formats more cells one by one than the host holds at once");
+        }
         StyleChange change(styles, format, at);
         ChangeStyle(*sheet, resolved->areas, [&](Style& style) { style = change(style); });
     }

@@ -11,6 +11,7 @@
 #include "sheethost/sheet_edit.h"
 #include "xlsx/sheet_read.h"
 #include "xlsx/sheet_write.h"
+#include "xlsx/xlsx.h"
 #include "xlsx/xml.h"
 
 namespace xlsx {
@@ -155,6 +156,10 @@ void ReadConditionalFormats(pugi::xml_node worksheet, const StyleSheet& styles,
         const auto conditions = ReadRules(element, styles);
         const auto areas = ReadAreas(element);
         if (!conditions || !areas) continue;
+        if (sheethost::CellsStyledBy(sheet, *areas) > sheethost::kMostCellsStyledAtOnce) {
+            throw XlsxError("the sheet \"" + sheet.name +
+                            "\" has a conditional format over more cells than the host holds");
+        }
         sheethost::ChangeStyle(sheet, *areas, [&](sheethost::Style& style) {
             style.conditions.insert(style.conditions.end(), conditions->begin(), conditions->end());
         });

@@ -142,4 +142,21 @@ TEST_F(RangeFormatTest, WholeColumnFormatsReachEveryCellWithoutStoringThem) {
     EXPECT_EQ(Number(sheet.get(), OLESTR(".Range(%s).Interior.ColorIndex"), "F3"), -4142);
 }
 
+TEST_F(RangeFormatTest, AFormatThatWouldGiveTensOfMillionsOfCellsAnEntryIsRefusedWhole) {
+    Put(sheet.get(), OLESTR(".Range(%s).Value=%d"), "B2", 1);
+    // Every column formatted, then inside lines over whole rows: each row would cross 16,384
+    // formatted columns.
+    Put(sheet.get(), OLESTR(".Cells.Interior.ColorIndex=%d"), 6);
+    EXPECT_EQ(Put(sheet.get(), OLESTR(".Cells.Borders.LineStyle=%d"), 1), E_OUTOFMEMORY);
+    // A block of the whole sheet but its last row, which is no whole column.
+    EXPECT_EQ(Put(sheet.get(), OLESTR(".Range(%s).Font.Bold=%b"), "A1:XFD1048575", 1),
+              E_OUTOFMEMORY);
+    // Nothing of either changed; a smaller block still takes its format.
+    EXPECT_EQ(Number(sheet.get(), OLESTR(".Range(%s).Borders(%d).LineStyle"), "B2", 12), -4142);
+    EXPECT_EQ(Text(sheet.get(), OLESTR(".Range(%s).Font.Bold"), "C9"), "False");
+    EXPECT_EQ(Model("Report").cells.size(), 1u);
+    Put(sheet.get(), OLESTR(".Range(%s).Font.Bold=%b"), "A1:J1000", 1);
+    EXPECT_EQ(Text(sheet.get(), OLESTR(".Range(%s).Font.Bold"), "C9"), "True");
+}
+
 }  // namespace
