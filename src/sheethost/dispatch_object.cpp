@@ -151,8 +151,12 @@ void Raise(std::string description, HRESULT exceptionCode) {
     throw Raised(std::move(description), exceptionCode);
 }
 
+Refusal Refused(HRESULT code) {
+    return Refusal{code, {}, kHostError, 0};
+}
+
 void Refuse(HRESULT code) {
-    throw Refusal{code, {}, kHostError, 0};
+    throw Refused(code);
 }
 
 void RaiseProperty(std::string_view verb, std::string_view member, std::string_view typeName) {

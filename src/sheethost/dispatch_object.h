@@ -58,6 +58,8 @@ struct Refusal {
 Refusal Raised(std::string description, HRESULT exceptionCode = kHostError);
 // Refuses with a plain HRESULT (DISP_E_BADPARAMCOUNT, DISP_E_MEMBERNOTFOUND, ...).
 [[noreturn]] void Refuse(HRESULT code);
+// The refusal Refuse throws.
+Refusal Refused(HRESULT code);
 // The host's messages for a refused property or method ("Unable to set the Hidden property of the
 // Range class", "Select method of Range class failed").
 [[noreturn]] void RaiseProperty(std::string_view verb, std::string_view member,

@@ -30,7 +30,7 @@ void ReturnItemOrCollection(Invocation& call, IDispatch* collection) {
         SysFreeString(exception.bstrHelpFile);
         return call.Decline(Raised(std::move(description), exception.scode));
     }
-    if (FAILED(hr)) return call.Decline(Refusal{hr, {}, kHostError, 0});
+    if (FAILED(hr)) return call.Decline(Refused(hr));
     call.ReturnVariant(result);
 }
 

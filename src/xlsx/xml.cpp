@@ -32,6 +32,9 @@ void DropForbiddenReferences(std::string& xml) {
     xml.resize(kept);
 }
 
+// What stands for a byte that begins no character: U+FFFD.
+constexpr std::string_view kReplacement = "\xEF\xBF\xBD";
+
 // The length of the UTF-8 character at `at` when XML may hold it; 0 for a control XML forbids
 // and for a byte that does not begin a well-formed sequence.
 std::size_t AllowedCharacterLength(std::string_view bytes, std::size_t at) {
@@ -56,6 +59,21 @@ std::size_t AllowedCharacterLength(std::string_view bytes, std::size_t at) {
     valid = valid && code >= least && code <= 0x10FFFF && (code < 0xD800 || code > 0xDFFF) &&
             code != 0xFFFE && code != 0xFFFF;
     return valid ? length : 0;
+}
+
+// Hands each character of `bytes` that XML may hold to `take`, U+FFFD for each byte that begins
+// no character, and nothing for the controls XML forbids.
+template <class Take>
+void ForEachAllowedCharacter(std::string_view bytes, Take take) {
+    for (std::size_t at = 0; at < bytes.size();) {
+        if (const std::size_t length = AllowedCharacterLength(bytes, at); length != 0) {
+            take(bytes.substr(at, length));
+            at += length;
+            continue;
+        }
+        if (static_cast<unsigned char>(bytes[at]) >= 0x80) take(kReplacement);
+        ++at;
+    }
 }
 
 // WellFormedText, copying only when something needs mending.
@@ -166,37 +184,25 @@ std::string JoinedText(const pugi::xml_node& node) {
 }
 
 void AppendXmlText(std::string& out, std::string_view text) {
-    for (const char c : WellFormedText(text)) {
-        switch (c) {
-            case '&':
-                out += "&amp;";
-                break;
-            case '<':
-                out += "&lt;";
-                break;
-            case '>':
-                out += "&gt;";
-                break;
-            default:
-                out += c;
+    // One pass, mending and escaping as it goes: the writer calls this for every text and formula
+    // of a sheet.
+    ForEachAllowedCharacter(text, [&](std::string_view character) {
+        if (character == "&") {
+            out += "&amp;";
+        } else if (character == "<") {
+            out += "&lt;";
+        } else if (character == ">") {
+            out += "&gt;";
+        } else {
+            out += character;
         }
-    }
+    });
 }
 
 std::string WellFormedText(std::string_view bytes) {
     std::string text;
     text.reserve(bytes.size());
-    constexpr std::string_view kReplacement = "\xEF\xBF\xBD";
-    for (std::size_t at = 0; at < bytes.size();) {
-        if (const std::size_t length = AllowedCharacterLength(bytes, at); length != 0) {
-            text.append(bytes.substr(at, length));
-            at += length;
-            continue;
-        }
-        // A control is dropped; a byte that begins no character stands for one that is lost.
-        if (static_cast<unsigned char>(bytes[at]) >= 0x80) text += kReplacement;
-        ++at;
-    }
+    ForEachAllowedCharacter(bytes, [&](std::string_view character) { text += character; });
     return text;
 }
 
