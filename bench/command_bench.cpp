@@ -84,18 +84,16 @@ std::vector<int> RowsOf(int row, int tasks) {
 std::shared_ptr<sheethost::Workbook> Project(const std::string& sampleJson, int tasks) {
     auto book = sheethost::LoadWorkbookJson(sampleJson);
     sheethost::Sheet& sheet = TaskSheet(*book);
-    // The project's rows are made in order, as a file is read: the cells of a row lie together
-    // in memory, which decides much of the time of a large sheet.
+    // Each project row is a copy of the sample row it repeats.
     std::map<int, int> sourceOf;
     for (const auto& [ref, cell] : sheet.cells) {
         for (int row : RowsOf(ref.row, tasks)) sourceOf.emplace(row, ref.row);
     }
-    std::map<sheethost::CellRef, sheethost::Cell> cells;
+    sheethost::CellStore<sheethost::Cell> cells;
     for (const auto& [row, source] : sourceOf) {
         for (auto cell = sheet.cells.lower_bound({source, 1});
              cell != sheet.cells.end() && cell->first.row == source; ++cell) {
-            cells.emplace_hint(cells.end(), sheethost::CellRef{row, cell->first.column},
-                               cell->second);
+            cells.emplace({row, cell->first.column}, cell->second);
         }
     }
     sheethost::RowInfos::Map rows;

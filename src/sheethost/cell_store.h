@@ -1,16 +1,24 @@
-// The cells of a sheet in row-major order, with a hashed index beside the ordered map. Blocks,
-// files and row edits walk the cells in order; formulas and single-cell members look one cell up
-// at a time, and on a sheet of a few hundred thousand cells a walk down the map for each of those
-// costs more than all the rest of the lookup. The index holds the map's iterators, which stay
-// valid until their own cell is erased, so every change goes through this class.
+// The cells of a sheet in row-major order, each row's cells side by side in one array, sorted by
+// column. Blocks, files and row edits walk the cells in order, and formulas and single-cell
+// members look one cell up at a time. Kept in a tree, every step of a walk and every lookup went
+// to a node of its own somewhere in memory: once a sheet outgrew the processor's cache, each cell
+// cost a trip to main memory and a command's time grew faster than its table. Rows are found by
+// number in constant time and walked as arrays.
+//
+// Iterators behave like those of an array: a change to a row moves the cells after the changed
+// place, so only iterators into other rows, and those the change returns, stay valid.
 #pragma once
 
+#include <algorithm>
+#include <array>
+#include <climits>
 #include <cstddef>
-#include <functional>
-#include <map>
+#include <iterator>
+#include <memory>
 #include <stdexcept>
-#include <unordered_map>
+#include <type_traits>
 #include <utility>
+#include <vector>
 
 namespace sheethost {
 
@@ -24,118 +32,237 @@ struct CellRef {
 template <typename Cell>
 class CellStore {
   public:
-    using Map = std::map<CellRef, Cell>;
-    using iterator = typename Map::iterator;
-    using const_iterator = typename Map::const_iterator;
+    // Named like an ordered map's pairs, so that walks over the cells read as they would over one.
+    struct Entry {
+        CellRef first;
+        Cell second;
+
+        bool operator==(const Entry&) const = default;
+    };
+    using Row = std::vector<Entry>;
+
+    template <bool IsConst>
+    class Iterator {
+        using Store = std::conditional_t<IsConst, const CellStore, CellStore>;
+        using RowOf = std::conditional_t<IsConst, const Row, Row>;
+
+      public:
+        using iterator_category = std::forward_iterator_tag;
+        using value_type = Entry;
+        using difference_type = std::ptrdiff_t;
+        using pointer = std::conditional_t<IsConst, const Entry*, Entry*>;
+        using reference = std::conditional_t<IsConst, const Entry&, Entry&>;
+
+        Iterator() = default;
+        // The iterator past the last cell.
+        explicit Iterator(Store* store) : store_(store) {}
+        // The first cell at or after place `at` of `row`, or past the last cell.
+        Iterator(Store* store, int row, std::size_t at) : store_(store) { Settle(row, at); }
+        // As a map's iterator turns into its const_iterator.
+        operator Iterator<true>() const requires(!IsConst) {
+            return Iterator<true>(store_, row_, at_, cells_);
+        }
+
+        reference operator*() const { return (*cells_)[at_]; }
+        pointer operator->() const { return &(*cells_)[at_]; }
+        Iterator& operator++() {
+            if (++at_ == cells_->size()) Settle(row_ + 1, 0);
+            return *this;
+        }
+        Iterator operator++(int) {
+            Iterator before = *this;
+            ++*this;
+            return before;
+        }
+        bool operator==(const Iterator& other) const {
+            return row_ == other.row_ && at_ == other.at_;
+        }
+
+      private:
+        friend class CellStore;
+        friend class Iterator<!IsConst>;
+        Iterator(Store* store, int row, std::size_t at, RowOf* cells)
+            : store_(store), cells_(cells), row_(row), at_(at) {}
+
+        void Settle(int row, std::size_t at) {
+            for (; row <= store_->lastRow_; ++row, at = 0) {
+                RowOf* cells = store_->RowCells(row);
+                if (cells != nullptr && at < cells->size()) {
+                    cells_ = cells;
+                    row_ = row;
+                    at_ = at;
+                    return;
+                }
+                // A missing block of rows is passed over at once.
+                if (store_->chunks_[ChunkOf(row)] == nullptr) {
+                    row = static_cast<int>(ChunkOf(row) + 1) * kRowsPerChunk;
+                }
+            }
+            *this = Iterator(store_);
+        }
+
+        Store* store_ = nullptr;
+        RowOf* cells_ = nullptr;
+        int row_ = kPastEnd;
+        std::size_t at_ = 0;
+    };
+    using iterator = Iterator<false>;
+    using const_iterator = Iterator<true>;
 
     CellStore() = default;
-    CellStore(const CellStore& other) : map_(other.map_) { Reindex(); }
-    CellStore(CellStore&& other) noexcept : map_(std::move(other.map_)) {
-        index_ = std::move(other.index_);
-        other.index_.clear();
-    }
+    CellStore(const CellStore& other) { *this = other; }
+    CellStore(CellStore&& other) noexcept = default;
     CellStore& operator=(const CellStore& other) {
-        if (this != &other) {
-            map_ = other.map_;
-            Reindex();
+        if (this == &other) return *this;
+        chunks_.clear();
+        chunks_.reserve(other.chunks_.size());
+        for (const auto& chunk : other.chunks_) {
+            chunks_.push_back(chunk ? std::make_unique<Chunk>(*chunk) : nullptr);
         }
+        size_ = other.size_;
+        lastRow_ = other.lastRow_;
         return *this;
     }
-    // Takes the cells of an ordered map built elsewhere.
-    CellStore& operator=(Map&& cells) {
-        map_ = std::move(cells);
-        Reindex();
-        return *this;
-    }
-    CellStore& operator=(CellStore&& other) noexcept {
-        map_ = std::move(other.map_);
-        index_ = std::move(other.index_);
-        other.index_.clear();
-        return *this;
-    }
+    CellStore& operator=(CellStore&& other) noexcept = default;
     ~CellStore() = default;
 
-    iterator begin() { return map_.begin(); }
-    iterator end() { return map_.end(); }
-    const_iterator begin() const { return map_.begin(); }
-    const_iterator end() const { return map_.end(); }
-    typename Map::const_reverse_iterator rbegin() const { return map_.rbegin(); }
-    bool empty() const { return map_.empty(); }
-    // Room in the index for this many cells, for a reader that knows how many are coming.
-    void reserve(std::size_t cells) { index_.reserve(cells); }
-    std::size_t size() const { return map_.size(); }
+    iterator begin() { return iterator(this, 1, 0); }
+    iterator end() { return iterator(this); }
+    const_iterator begin() const { return const_iterator(this, 1, 0); }
+    const_iterator end() const { return const_iterator(this); }
+    bool empty() const { return size_ == 0; }
+    std::size_t size() const { return size_; }
+    // The last row that holds a cell, 0 when none does.
+    int LastRow() const {
+        int row = lastRow_;
+        while (row > 0 && (RowCells(row) == nullptr || RowCells(row)->empty())) --row;
+        return row;
+    }
+    // Room in a row for this many cells, for a reader that knows how many are coming.
+    void ReserveRow(int row, std::size_t cells) { MakeRow(row).reserve(cells); }
 
-    iterator find(const CellRef& ref) {
-        const auto found = index_.find(ref);
-        return found == index_.end() ? map_.end() : found->second;
-    }
-    const_iterator find(const CellRef& ref) const {
-        const auto found = index_.find(ref);
-        return found == index_.end() ? map_.end() : const_iterator(found->second);
-    }
+    iterator find(const CellRef& ref) { return Find<iterator>(this, ref); }
+    const_iterator find(const CellRef& ref) const { return Find<const_iterator>(this, ref); }
     const Cell& at(const CellRef& ref) const {
-        const auto found = index_.find(ref);
-        if (found == index_.end()) throw std::out_of_range("no such cell");
-        return found->second->second;
+        const const_iterator found = find(ref);
+        if (found == end()) throw std::out_of_range("no such cell");
+        return found->second;
     }
-    // A walk over a block starts each row at its first cell, which is mostly there: the index
-    // answers that before the map is searched.
-    iterator lower_bound(const CellRef& ref) {
-        const auto found = index_.find(ref);
-        return found != index_.end() ? found->second : map_.lower_bound(ref);
-    }
+    // The first cell at or after a place, whether or not a cell stands there.
+    iterator lower_bound(const CellRef& ref) { return LowerBound<iterator>(this, ref); }
     const_iterator lower_bound(const CellRef& ref) const {
-        const auto found = index_.find(ref);
-        return found != index_.end() ? const_iterator(found->second) : map_.lower_bound(ref);
+        return LowerBound<const_iterator>(this, ref);
     }
 
     std::pair<iterator, bool> emplace(const CellRef& ref, Cell cell) {
-        if (const iterator found = find(ref); found != map_.end()) return {found, false};
-        // Cells mostly come in order, as a file or a new table is read: the end is tried first.
-        const iterator placed = map_.emplace_hint(map_.end(), ref, std::move(cell));
-        index_.emplace(ref, placed);
-        return {placed, true};
+        Row& cells = MakeRow(ref.row);
+        // Cells mostly come in column order, as a file or a new table is read: the end is tried
+        // before the row is searched.
+        const auto place = !cells.empty() && cells.back().first.column < ref.column
+                               ? cells.end()
+                               : PlaceIn(cells, ref.column);
+        if (place != cells.end() && place->first == ref) {
+            return {iterator(this, ref.row, Offset(cells, place), &cells), false};
+        }
+        return {Insert(cells, place, ref, std::move(cell)), true};
     }
-    iterator emplace_hint(const_iterator hint, const CellRef& ref, Cell cell) {
-        const std::size_t before = map_.size();
-        const iterator placed = map_.emplace_hint(hint, ref, std::move(cell));
-        if (map_.size() != before) index_.emplace(ref, placed);
-        return placed;
+    // A cell placed just before `hint` when it belongs there, as a walk along a row makes them.
+    iterator emplace_hint(iterator hint, const CellRef& ref, Cell cell) {
+        if (hint.row_ == ref.row) {
+            Row& cells = *hint.cells_;
+            const auto place = cells.begin() + static_cast<std::ptrdiff_t>(hint.at_);
+            const bool fits =
+                (place == cells.end() || ref.column < place->first.column) &&
+                (place == cells.begin() || std::prev(place)->first.column < ref.column);
+            if (fits) return Insert(cells, place, ref, std::move(cell));
+        }
+        return emplace(ref, std::move(cell)).first;
     }
-    Cell& operator[](const CellRef& ref) {
-        if (const iterator found = find(ref); found != map_.end()) return found->second;
-        return emplace(ref, Cell{}).first->second;
-    }
+    Cell& operator[](const CellRef& ref) { return emplace(ref, Cell{}).first->second; }
+    // Returns the cell after the erased one.
     iterator erase(iterator at) {
-        index_.erase(at->first);
-        return map_.erase(at);
+        Row& cells = *at.cells_;
+        cells.erase(cells.begin() + static_cast<std::ptrdiff_t>(at.at_));
+        --size_;
+        return iterator(this, at.row_, at.at_);
     }
 
     void clear() {
-        index_.clear();
-        map_.clear();
+        chunks_.clear();
+        size_ = 0;
+        lastRow_ = 0;
     }
 
-    bool operator==(const CellStore& other) const { return map_ == other.map_; }
+    bool operator==(const CellStore& other) const {
+        return size_ == other.size_ && std::equal(begin(), end(), other.begin(), other.end());
+    }
 
   private:
-    // Cells of neighbouring rows land in nearby buckets, so that the lookups of a formula over
-    // the rows below it, or of a walk down a table, stay within a few pages of the bucket array.
-    // Keys are distinct for the first 1,024 columns; further columns share chains.
-    struct RefHash {
-        std::size_t operator()(const CellRef& ref) const {
-            return static_cast<std::size_t>(ref.row) * 1024 + static_cast<std::size_t>(ref.column);
-        }
+    // Rows live in blocks made when a row of theirs first gets a cell, so that a sheet with a
+    // cell in its last row holds one block, not a million empty rows.
+    static constexpr int kRowsPerChunk = 256;
+    static constexpr int kPastEnd = INT_MAX;
+    struct Chunk {
+        std::array<Row, kRowsPerChunk> rows;
     };
 
-    void Reindex() {
-        index_.clear();
-        index_.reserve(map_.size());
-        for (auto at = map_.begin(); at != map_.end(); ++at) index_.emplace(at->first, at);
+    static std::size_t ChunkOf(int row) {
+        return static_cast<std::size_t>(row - 1) / kRowsPerChunk;
+    }
+    static std::size_t SlotOf(int row) { return static_cast<std::size_t>(row - 1) % kRowsPerChunk; }
+
+    const Row* RowCells(int row) const {
+        if (row < 1 || ChunkOf(row) >= chunks_.size() || !chunks_[ChunkOf(row)]) return nullptr;
+        return &chunks_[ChunkOf(row)]->rows[SlotOf(row)];
+    }
+    Row* RowCells(int row) {
+        return const_cast<Row*>(static_cast<const CellStore*>(this)->RowCells(row));
+    }
+    Row& MakeRow(int row) {
+        if (row < 1) throw std::out_of_range("no such row");
+        if (ChunkOf(row) >= chunks_.size()) chunks_.resize(ChunkOf(row) + 1);
+        std::unique_ptr<Chunk>& chunk = chunks_[ChunkOf(row)];
+        if (!chunk) chunk = std::make_unique<Chunk>();
+        lastRow_ = std::max(lastRow_, row);
+        return chunk->rows[SlotOf(row)];
     }
 
-    Map map_;
-    std::unordered_map<CellRef, iterator, RefHash> index_;
+    template <class Cells, class Place>
+    static std::size_t Offset(Cells& cells, Place place) {
+        return static_cast<std::size_t>(place - cells.begin());
+    }
+    template <class Cells>
+    static auto PlaceIn(Cells& cells, int column) {
+        return std::lower_bound(cells.begin(), cells.end(), column,
+                                [](const Entry& entry, int c) { return entry.first.column < c; });
+    }
+
+    iterator Insert(Row& cells, typename Row::iterator place, const CellRef& ref, Cell cell) {
+        const auto placed = cells.insert(place, Entry{ref, std::move(cell)});
+        ++size_;
+        return iterator(this, ref.row, Offset(cells, placed), &cells);
+    }
+
+    template <class It, class Self>
+    static It Find(Self* self, const CellRef& ref) {
+        auto* cells = self->RowCells(ref.row);
+        if (cells == nullptr) return It(self);
+        const auto place = PlaceIn(*cells, ref.column);
+        if (place == cells->end() || place->first.column != ref.column) return It(self);
+        return It(self, ref.row, Offset(*cells, place), cells);
+    }
+    template <class It, class Self>
+    static It LowerBound(Self* self, const CellRef& ref) {
+        const int row = std::max(ref.row, 1);
+        const auto* cells = self->RowCells(row);
+        const std::size_t at =
+            cells == nullptr || ref.row < 1 ? 0 : Offset(*cells, PlaceIn(*cells, ref.column));
+        return It(self, row, at);
+    }
+
+    std::vector<std::unique_ptr<Chunk>> chunks_;
+    std::size_t size_ = 0;
+    int lastRow_ = 0;  // no row past it holds a cell
 };
 
 }  // namespace sheethost

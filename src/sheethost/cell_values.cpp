@@ -99,8 +99,7 @@ std::string BookFormulaContext::NameAddress(std::string_view sheet, std::string_
 
 int BookFormulaContext::LastUsedRow(std::string_view sheet) {
     const Sheet* found = SheetNamed(sheet);
-    if (found == nullptr || found->cells.empty()) return 0;
-    return found->cells.rbegin()->first.row;
+    return found == nullptr ? 0 : found->cells.LastRow();
 }
 
 int BookFormulaContext::LastUsedColumn(std::string_view sheet) {

@@ -12,7 +12,7 @@ namespace {
 void RemapRows(Workbook& book, Sheet& sheet, const std::function<int(int)>& mapRow) {
     const RowInfos rowsBefore = sheet.rows;
 
-    std::map<CellRef, Cell> cells;
+    CellStore<Cell> cells;
     for (auto& [ref, cell] : sheet.cells) {
         if (const int row = mapRow(ref.row); row != 0) {
             cells.emplace(CellRef{row, ref.column}, std::move(cell));

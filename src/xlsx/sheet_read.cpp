@@ -65,17 +65,15 @@ class WorksheetReader {
     }
 
     void ReadRows(const pugi::xml_node& sheetData) {
-        const std::vector<pugi::xml_node> rows = Children(sheetData, "row");
-        std::size_t cells = 0;
-        for (const pugi::xml_node& rowNode : rows) cells += Children(rowNode, "c").size();
-        sheet_.cells.reserve(cells);
         int row = 0;
-        for (pugi::xml_node rowNode : rows) {
+        for (const pugi::xml_node& rowNode : Children(sheetData, "row")) {
             row = rowNode.attribute("r").as_int(row + 1);
             if (row < 1 || row > sheethost::kMaxRow) continue;
             ReadRowInfo(rowNode, row);
+            const std::vector<pugi::xml_node> cellNodes = Children(rowNode, "c");
+            if (!cellNodes.empty()) sheet_.cells.ReserveRow(row, cellNodes.size());
             int column = 0;
-            for (pugi::xml_node cellNode : Children(rowNode, "c")) {
+            for (const pugi::xml_node& cellNode : cellNodes) {
                 if (auto reference = cellNode.attribute("r")) {
                     const auto area = sheethost::ParseArea(reference.value());
                     column = area ? area->left : column + 1;

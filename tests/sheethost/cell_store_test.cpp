@@ -1,6 +1,6 @@
-// The sheet's cell store and shared formats: the hashed index must answer as the ordered map does
-// after every kind of change, copy and move, and a format shared by many cells must be copied
-// before any one of them changes it.
+// The sheet's cell store and shared formats: lookups and walks must agree after every kind of
+// change, copy and move, and a format shared by many cells must be copied before any one of them
+// changes it.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -17,15 +17,19 @@ using sheethost::CellRef;
 using sheethost::Sheet;
 using sheethost::Style;
 
-// Every cell of the store is found through the index, and nothing else is.
-void ExpectIndexMatchesMap(const sheethost::CellStore<sheethost::Cell>& cells) {
+// Every cell of the store is found where a walk meets it, and nothing else is.
+void ExpectFoundAsWalked(const sheethost::CellStore<sheethost::Cell>& cells) {
     std::vector<CellRef> refs;
     for (const auto& [ref, cell] : cells) {
+        if (!refs.empty()) {
+            EXPECT_LT(refs.back(), ref);
+        }
         refs.push_back(ref);
         const auto found = cells.find(ref);
         ASSERT_NE(found, cells.end()) << ref.row << "," << ref.column;
         EXPECT_EQ(&found->second, &cell);
     }
+    EXPECT_EQ(refs.size(), cells.size());
     for (const CellRef& missing : {CellRef{1, 1}, CellRef{9, 9}, CellRef{1048576, 16384}}) {
         if (std::find(refs.begin(), refs.end(), missing) == refs.end()) {
             EXPECT_EQ(cells.find(missing), cells.end());
@@ -33,42 +37,56 @@ void ExpectIndexMatchesMap(const sheethost::CellStore<sheethost::Cell>& cells) {
     }
 }
 
-TEST(CellStoreTest, TheIndexFollowsEveryChangeCopyAndMove) {
+TEST(CellStoreTest, CellsAreFoundAndWalkedInOrderAfterEveryChangeCopyAndMove) {
     sheethost::CellStore<sheethost::Cell> cells;
-    for (int row : {5, 3, 4}) {
-        for (int column : {2, 1, 1030, 6}) cells[{row, column}].value = row * 100.0 + column;
+    // Rows far apart, in blocks of rows made apart, and cells given out of column order.
+    for (int row : {700, 3, 1048576, 4}) {
+        for (int column : {2, 1, 16384, 6}) cells[{row, column}].value = row * 100.0 + column;
     }
-    // Columns past 1,024 share buckets with the next rows' first columns.
-    EXPECT_EQ(std::get<double>(cells.find({3, 1030})->second.value), 1330);
-    EXPECT_EQ(std::get<double>(cells.find({4, 6})->second.value), 406);
-    ExpectIndexMatchesMap(cells);
+    EXPECT_EQ(std::get<double>(cells.find({3, 16384})->second.value), 16684);
+    EXPECT_EQ(std::get<double>(cells.find({1048576, 6})->second.value), 104857606);
+    EXPECT_EQ(cells.LastRow(), 1048576);
+    ExpectFoundAsWalked(cells);
 
-    // Erasing returns the next cell in row order and forgets the erased one.
+    // Erasing returns the next cell in row order, also when that lies in a later row.
     auto next = cells.erase(cells.find({4, 2}));
     EXPECT_EQ(next->first, (CellRef{4, 6}));
     EXPECT_EQ(cells.find({4, 2}), cells.end());
+    next = cells.erase(cells.find({4, 16384}));
+    EXPECT_EQ(next->first, (CellRef{700, 1}));
     // A hint in the wrong place still places the cell where it belongs.
     cells.emplace_hint(cells.begin(), CellRef{4, 2}, sheethost::Cell{});
+    cells.emplace_hint(cells.find({700, 1}), CellRef{4, 16384}, sheethost::Cell{});
     EXPECT_FALSE(cells.emplace({4, 2}, sheethost::Cell{}).second);
-    ExpectIndexMatchesMap(cells);
+    ExpectFoundAsWalked(cells);
 
     // The first cell at or after a place, whether or not a cell stands there.
     EXPECT_EQ(cells.lower_bound({4, 2})->first, (CellRef{4, 2}));
     EXPECT_EQ(cells.lower_bound({4, 3})->first, (CellRef{4, 6}));
-    EXPECT_EQ(cells.lower_bound({4, 1031})->first, (CellRef{5, 1}));
-    EXPECT_EQ(cells.lower_bound({6, 0}), cells.end());
+    EXPECT_EQ(cells.lower_bound({5, 0})->first, (CellRef{700, 1}));
+    EXPECT_EQ(cells.lower_bound({701, 0})->first, (CellRef{1048576, 1}));
+    EXPECT_EQ(cells.lower_bound({1048576, 16385}), cells.end());
 
-    // A copy indexes its own cells; a move takes the index along.
+    // The last row follows its cells away.
+    for (int column : {1, 2, 6, 16384}) cells.erase(cells.find({1048576, column}));
+    EXPECT_EQ(cells.LastRow(), 700);
+    EXPECT_EQ(cells.lower_bound({701, 0}), cells.end());
+
+    // A copy holds cells of its own; a move takes them along.
     const sheethost::CellStore<sheethost::Cell> copy = cells;
     cells.clear();
     EXPECT_EQ(cells.find({3, 1}), cells.end());
-    ExpectIndexMatchesMap(copy);
+    EXPECT_EQ(cells.begin(), cells.end());
+    EXPECT_EQ(cells.LastRow(), 0);
+    ExpectFoundAsWalked(copy);
     sheethost::CellStore<sheethost::Cell> moved = sheethost::CellStore<sheethost::Cell>(copy);
-    ExpectIndexMatchesMap(moved);
+    ExpectFoundAsWalked(moved);
     sheethost::CellStore<sheethost::Cell> assigned;
     assigned = std::move(moved);
-    ExpectIndexMatchesMap(assigned);
+    ExpectFoundAsWalked(assigned);
     EXPECT_EQ(assigned, copy);
+    assigned[{3, 1}].value = 1.0;
+    EXPECT_FALSE(assigned == copy);
 }
 
 TEST(CellStoreTest, ASharedFormatIsCopiedBeforeOneCellChangesIt) {
