@@ -108,12 +108,16 @@ std::optional<std::vector<Area>> AddressAreas(std::string_view address) {
 
 }  // namespace
 
-Area AreaOf(const Reference& reference) {
+Area AreaOf(const Reference& reference, Offset moved) {
     Area area;
     area.sheet = reference.sheet;
-    const auto rowOf = [](const ReferenceEnd& end, int whole) { return end.row ? end.row : whole; };
-    const auto columnOf = [](const ReferenceEnd& end, int whole) {
-        return end.column ? end.column : whole;
+    const auto rowOf = [moved](const ReferenceEnd& end, int whole) {
+        if (end.row == 0) return whole;
+        return end.rowAbsolute ? end.row : end.row + moved.rows;
+    };
+    const auto columnOf = [moved](const ReferenceEnd& end, int whole) {
+        if (end.column == 0) return whole;
+        return end.columnAbsolute ? end.column : end.column + moved.columns;
     };
     const int top = rowOf(reference.first, 1);
     const int bottom = rowOf(reference.last, kMaxRow);
@@ -151,7 +155,7 @@ Operand Evaluator::Leaf(const Node& node) {
         case Node::Kind::kMissing:
             return {0.0};
         case Node::Kind::kReference:
-            return std::vector<Area>{AreaOf(node.reference)};
+            return std::vector<Area>{AreaOf(node.reference, moved_)};
         default:
             return {ErrorValue::kName};  // a function the host does not know
     }
@@ -212,6 +216,11 @@ void Evaluator::VisitCells(const std::vector<Area>& areas,
 
 namespace {
 
+using formula::ParseResult;
+using formula::ReferenceEnd;
+using formula::Token;
+using formula::TokenKind;
+
 // A formula that reads a formula cell has the context evaluate that cell, which calls back here:
 // a chain of formulas each reading the next nests one evaluation per link, a few hundred bytes of
 // stack each. Past this depth the chain is not followed, so no thread's stack can run out.
@@ -226,19 +235,79 @@ class ChainLink {
     ChainLink& operator=(const ChainLink&) = delete;
 };
 
-// The trees of the formulas parsed lately, by text: a tree depends on the text alone, and a
-// command reads the same roll-up formulas again and again. Each is shared, so that forgetting
-// them all while a formula that reads another is being evaluated leaves its tree alive.
-std::shared_ptr<const formula::ParseResult> ParsedFormula(std::string_view text) {
+// A formula's tokens written with its relative references as distances from its cell. Formulas
+// copied down a table (the roll-ups of every summary row, say) differ only in their references'
+// rows, so they share this form, and the tree parsed for one of them serves them all. Each token
+// is written with its kind and length, so that no two token lists share a form.
+std::string RelativeForm(const std::vector<Token>& tokens, int row, int column) {
+    std::string form;
+    const auto write = [&form](char kind, std::string_view text) {
+        form += kind;
+        form += std::to_string(text.size());
+        form += ':';
+        form += text;
+    };
+    const auto writeEnd = [&form, row, column](const ReferenceEnd& end) {
+        form += end.rowAbsolute || end.row == 0 ? '$' : '~';
+        form += std::to_string(end.rowAbsolute || end.row == 0 ? end.row : end.row - row);
+        form += end.columnAbsolute || end.column == 0 ? '$' : '~';
+        form += std::to_string(end.columnAbsolute || end.column == 0 ? end.column
+                                                                     : end.column - column);
+    };
+    for (const Token& token : tokens) {
+        if (token.kind != TokenKind::kReference) {
+            write(static_cast<char>('a' + static_cast<int>(token.kind)), token.source);
+            continue;
+        }
+        write('R', token.sheetPart);
+        writeEnd(token.reference.first);
+        if (token.reference.isRange) {
+            form += ':';
+            writeEnd(token.reference.last);
+        }
+    }
+    return form;
+}
+
+// A tree and how far a formula's relative references lie from the tree's.
+struct ParsedTree {
+    std::shared_ptr<const ParseResult> tree;
+    formula::Offset moved;
+};
+
+// Formula texts, found without making a string of the one looked up.
+struct TextHash : std::hash<std::string_view> {
+    using is_transparent = void;
+};
+template <class Entry>
+using ByText = std::unordered_map<std::string, Entry, TextHash, std::equal_to<>>;
+
+// The trees of the formulas read lately. A text read again is found as it stands; a new text is
+// tokenized and found by its relative form, and parsed only when that is new too. Trees are
+// shared, so that forgetting them all while a formula that reads another is being evaluated
+// leaves its tree alive.
+ParsedTree ParsedFormula(std::string_view text, int row, int column) {
     constexpr std::size_t kKept = 512;
-    thread_local std::unordered_map<std::string, std::shared_ptr<const formula::ParseResult>>
-        parsed;
-    const std::string key(text);
-    if (const auto found = parsed.find(key); found != parsed.end()) return found->second;
-    if (parsed.size() >= kKept) parsed.clear();
-    auto tree = std::make_shared<const formula::ParseResult>(formula::Parse(text));
-    parsed.emplace(key, tree);
-    return tree;
+    thread_local ByText<ParsedTree> byText;
+    thread_local ByText<ParsedTree> byForm;  // `moved` holds the cell the tree was parsed for
+    if (const auto found = byText.find(text); found != byText.end()) return found->second;
+    if (byText.size() >= kKept) byText.clear();
+    auto tokens = formula::FormulaTokens(text);
+    if (!tokens) {
+        static const auto refused = std::make_shared<const ParseResult>();
+        return {refused, {}};
+    }
+    std::string form = RelativeForm(*tokens, row, column);
+    auto found = byForm.find(form);
+    if (found == byForm.end()) {
+        if (byForm.size() >= kKept) byForm.clear();
+        auto tree = std::make_shared<const ParseResult>(formula::Parse(std::move(*tokens)));
+        found = byForm.emplace(std::move(form), ParsedTree{std::move(tree), {row, column}}).first;
+    }
+    const formula::Offset parsedAt = found->second.moved;
+    const ParsedTree parsed{found->second.tree, {row - parsedAt.rows, column - parsedAt.columns}};
+    byText.emplace(text, parsed);
+    return parsed;
 }
 
 }  // namespace
@@ -247,10 +316,10 @@ Value EvaluateFormula(std::string_view formula, std::string_view sheet, int row,
                       FormulaContext& context) {
     if (chainedEvaluations >= kMaxChainedEvaluations) return ErrorValue::kNum;
     const ChainLink link;
-    const std::shared_ptr<const formula::ParseResult> parsed = ParsedFormula(formula);
-    if (!parsed->root) return parsed->refusal;
-    formula::Evaluator evaluator(sheet, row, column, context);
-    Value result = evaluator.EvaluateValue(*parsed->root);
+    const ParsedTree parsed = ParsedFormula(formula, row, column);
+    if (!parsed.tree->root) return parsed.tree->refusal;
+    formula::Evaluator evaluator(sheet, row, column, context, parsed.moved);
+    Value result = evaluator.EvaluateValue(*parsed.tree->root);
     // A formula that refers to an empty cell shows 0.
     if (std::holds_alternative<Blank>(result)) return 0.0;
     return result;

@@ -34,10 +34,18 @@ struct Operand {
     bool IsReference() const { return !areas.empty(); }
 };
 
+// How far a tree's relative references move: a tree parsed for one cell serves every cell whose
+// formula is the same but for relative references that keep their distance.
+struct Offset {
+    int rows = 0;
+    int columns = 0;
+};
+
 class Evaluator {
   public:
-    Evaluator(std::string_view sheet, int row, int column, FormulaContext& context)
-        : sheet_(sheet), row_(row), column_(column), context_(context) {}
+    Evaluator(std::string_view sheet, int row, int column, FormulaContext& context,
+              Offset moved = {})
+        : sheet_(sheet), row_(row), column_(column), moved_(moved), context_(context) {}
 
     Operand Evaluate(const Node& node);
 
@@ -63,6 +71,7 @@ class Evaluator {
     std::string_view sheet_;
     int row_;
     int column_;
+    Offset moved_;  // from the cell the tree was parsed for to this one
     FormulaContext& context_;
 };
 
@@ -80,6 +89,6 @@ struct FunctionInfo {
 const FunctionInfo* FindFunction(std::string_view name);
 
 // The area a written reference covers, whole rows and columns reaching the sheet's edges.
-Area AreaOf(const Reference& reference);
+Area AreaOf(const Reference& reference, Offset moved = {});
 
 }  // namespace sheethost::formula

@@ -209,12 +209,23 @@ class Parser {
 
 }  // namespace
 
-ParseResult Parse(std::string_view formula) {
-    if (formula.empty() || formula.front() != '=' || formula.size() > kMaxLength)
-        return {nullptr, ErrorValue::kName};
+std::optional<std::vector<Token>> FormulaTokens(std::string_view formula) {
+    if (formula.empty() || formula.front() != '=' || formula.size() > kMaxLength) {
+        return std::nullopt;
+    }
     auto tokens = Tokenize(formula.substr(1));
-    if (!tokens || tokens->empty()) return {nullptr, ErrorValue::kName};
-    return Parser(std::move(*tokens)).Run();
+    if (!tokens || tokens->empty()) return std::nullopt;
+    return tokens;
+}
+
+ParseResult Parse(std::vector<Token> tokens) {
+    return Parser(std::move(tokens)).Run();
+}
+
+ParseResult Parse(std::string_view formula) {
+    auto tokens = FormulaTokens(formula);
+    if (!tokens) return {nullptr, ErrorValue::kName};
+    return Parse(std::move(*tokens));
 }
 
 }  // namespace sheethost::formula

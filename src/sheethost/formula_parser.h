@@ -4,6 +4,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -61,5 +62,9 @@ struct ParseResult {
 
 // Parses `formula`, which begins with "=". Nesting deeper than the host accepts is refused.
 ParseResult Parse(std::string_view formula);
+// The tokens of `formula` (which begins with "="), none when it is no formula at all; and the
+// tree of such tokens. Parse(formula) is the two in turn.
+std::optional<std::vector<Token>> FormulaTokens(std::string_view formula);
+ParseResult Parse(std::vector<Token> tokens);
 
 }  // namespace sheethost::formula

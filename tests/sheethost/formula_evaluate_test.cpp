@@ -257,6 +257,42 @@ TEST(ReferenceTest, AbsoluteMixedAndOtherSheets) {
     EXPECT_EQ(book.Eval("=Sheet1!#REF!+1"), Value(ErrorValue::kRef));
 }
 
+// A formula copied down or across is parsed once: each copy must still read its own cells, keep
+// its absolute parts where they were, and tell itself apart from formulas that only look alike.
+TEST(ReferenceTest, CopiedFormulasReadTheirOwnCells) {
+    FakeWorkbook book;
+    for (int row = 1; row <= 6; ++row) {
+        book.Put("A" + std::to_string(row), row * 1.0);
+        book.Put("B" + std::to_string(row), row * 10.0);
+        book.Put("Sheet2!A" + std::to_string(row), row * 100.0);
+    }
+    // Down a column, and the same copies in another column and then read again out of order.
+    for (const char* column : {"C", "D"}) {
+        for (int row = 2; row <= 6; ++row) {
+            const std::string above = std::to_string(row - 1);
+            const std::string formula = "=A" + above + "+$B$1*A" + std::to_string(row) + "+B$2";
+            EXPECT_EQ(book.Eval(formula, column + std::to_string(row)),
+                      Value((row - 1) + 10.0 * row + 20.0))
+                << formula << " in " << column << row;
+        }
+    }
+    EXPECT_EQ(book.Eval("=A3+$B$1*A4+B$2", "C4"), Value(3 + 40 + 20.0));
+    // Across a row: relative columns move, absolute ones stay.
+    EXPECT_EQ(book.Eval("=A1+$A2", "C1"), Value(3.0));
+    EXPECT_EQ(book.Eval("=B1+$A2", "D1"), Value(12.0));
+    // The same text in another cell means the same cells.
+    EXPECT_EQ(book.Eval("=A1+$A2", "F9"), Value(3.0));
+    // Alike but for the sheet, the text or the kind of reference.
+    EXPECT_EQ(book.Eval("=Sheet2!A2+1", "C3"), Value(201.0));
+    EXPECT_EQ(book.Eval("=A2+1", "C3"), Value(3.0));
+    EXPECT_EQ(book.Eval("=\"A2\"&A3", "C3"), Value(std::string("A23")));
+    EXPECT_EQ(book.Eval("=\"A3\"&A4", "C4"), Value(std::string("A34")));
+    EXPECT_EQ(book.Eval("=SUM(A:A)", "C3"), Value(21.0));
+    EXPECT_EQ(book.Eval("=SUM(B:B)", "D3"), Value(210.0));
+    EXPECT_EQ(book.Eval("=SUM(A2:A3)", "C3"), Value(5.0));
+    EXPECT_EQ(book.Eval("=SUM(A3:A$4)", "C4"), Value(7.0));
+}
+
 TEST(ReferenceTest, WholeRowsAndColumnsVisitOnlyTheUsedPart) {
     FakeWorkbook book;
     book.Put("C2", 1.0);
