@@ -127,14 +127,18 @@ class BorderBase : public DispatchObjectOf<Self> {
             }
         }
         if (CellsStyledBy(*span.sheet, parts) > kMostCellsStyledAtOnce) throw std::bad_alloc();
+        // The edges of one area are drawn in one walk over the area and the cells around it.
         for (const Area& area : span.areas) {
+            std::vector<StylePart> sides;
             for (int index : indices) {
                 for (const EdgePart& part : EdgeParts(area, index)) {
-                    ChangeStyle(*span.sheet, {part.cells}, [&](Style& style) {
-                        change(style.borders[BorderSlot(part.slot)]);
-                    });
+                    const std::size_t slot = BorderSlot(part.slot);
+                    sides.push_back({part.cells, [&change, slot](Style& style) {
+                                         change(style.borders[slot]);
+                                     }});
                 }
             }
+            ChangeStyleByPart(*span.sheet, sides);
         }
     }
 

@@ -1,6 +1,7 @@
 #include "sheethost/sheet_edit.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <new>
 #include <optional>
 #include <unordered_map>
@@ -47,31 +48,30 @@ void NormalizeLineInfos(Sheet& sheet) {
 namespace {
 
 // One change made to many formats. Formats that were one shared copy before the change are one
-// copy after it, so a block of cells that looked alike still shares its new look.
+// copy after it, so a block of cells that looked alike still shares its new look; a format the
+// change leaves as it was is kept, and its cells are not written to.
 class StyleChange {
   public:
-    explicit StyleChange(const std::function<void(Style&)>& change) : change_(change) {}
+    explicit StyleChange(std::function<void(Style&)> change) : change_(std::move(change)) {}
 
     void operator()(SharedStyle& style) {
         // Neighbouring cells mostly share a format: the last one changed is tried first.
-        if (last_ != nullptr && last_->first.Shares(style)) {
-            style = last_->second;
-            return;
-        }
-        const Style* key = style.operator->();
-        if (const auto done = done_.find(key); done != done_.end()) {
-            last_ = &done->second;
-            style = last_->second;
-            return;
-        }
-        SharedStyle before = style;
-        change_(style.Edit());
-        // The old copy is held so that its address names no other format meanwhile.
-        last_ = &done_.emplace(key, std::pair{std::move(before), style}).first->second;
+        if (last_ == nullptr || !last_->first.Shares(style)) last_ = &Changed(style);
+        if (!style.Shares(last_->second)) style = last_->second;
     }
 
   private:
-    const std::function<void(Style&)>& change_;
+    const std::pair<SharedStyle, SharedStyle>& Changed(const SharedStyle& style) {
+        const Style* key = style.operator->();
+        if (const auto done = done_.find(key); done != done_.end()) return done->second;
+        SharedStyle changed = style;
+        change_(changed.Edit());
+        if (changed == *style) changed = style;
+        // The old copy is held so that its address names no other format meanwhile.
+        return done_.emplace(key, std::pair{style, std::move(changed)}).first->second;
+    }
+
+    std::function<void(Style&)> change_;
     std::unordered_map<const Style*, std::pair<SharedStyle, SharedStyle>> done_;
     const std::pair<SharedStyle, SharedStyle>* last_ = nullptr;
 };
@@ -168,8 +168,10 @@ void ChangeSheet(Sheet& sheet, StyleChange& change) {
 
 // The block's cells are walked in the order the sheet keeps them, each found or made next to the
 // one before and dropped at once when the change leaves it bare: a search per cell made styling a
-// large block grow faster than the block.
-void ChangeBlock(Sheet& sheet, const Area& area, StyleChange& change) {
+// large block grow faster than the block. `changeAt(row, column)` gives a cell's change, or null
+// for a cell the change passes over.
+template <class ChangeAt>
+void ChangeBlock(Sheet& sheet, const Area& area, ChangeAt changeAt) {
     auto& cells = sheet.cells;
     // What the block's cells inherit is looked up once per column and once per row.
     std::vector<const SharedStyle*> columnStyles;
@@ -182,19 +184,82 @@ void ChangeBlock(Sheet& sheet, const Area& area, StyleChange& change) {
         auto at = cells.lower_bound(CellRef{row, area.left});
         for (int column = area.left; column <= area.right; ++column) {
             const CellRef ref{row, column};
+            const bool exists = at != cells.end() && at->first == ref;
+            StyleChange* change = changeAt(row, column);
+            if (change == nullptr) {
+                if (exists) ++at;
+                continue;
+            }
             const SharedStyle& inherited =
                 rowStyle != nullptr ? *rowStyle : *columnStyles[column - area.left];
-            if (at == cells.end() || at->first != ref) {
+            if (!exists) {
                 Cell cell;
                 cell.style = inherited;
                 at = cells.emplace_hint(at, ref, std::move(cell));
             }
-            change(at->second.style);
-            const bool bare = HoldsNothing(at->second) && inherits(at->second.style, inherited);
+            (*change)(at->second.style);
+            const bool bare = inherits(at->second.style, inherited) && HoldsNothing(at->second);
             at = bare ? cells.erase(at) : std::next(at);
         }
     }
 }
+
+// The bounding block of the parts.
+Area Bounds(const std::vector<StylePart>& parts) {
+    Area bounds = parts.front().cells;
+    for (const StylePart& part : parts) {
+        bounds.top = std::min(bounds.top, part.cells.top);
+        bounds.left = std::min(bounds.left, part.cells.left);
+        bounds.bottom = std::max(bounds.bottom, part.cells.bottom);
+        bounds.right = std::max(bounds.right, part.cells.right);
+    }
+    return bounds;
+}
+
+// The parts of a by-part change, one bit each, and the change of every mix of parts a cell lies in.
+class PartChanges {
+  public:
+    static constexpr std::size_t kMostParts = 32;
+
+    explicit PartChanges(const std::vector<StylePart>& parts) : parts_(parts) {}
+
+    // The parts that hold row `row` (or, for columns, column `column`).
+    std::uint32_t RowMask(int row) const {
+        return Mask([row](const Area& a) { return a.top <= row && row <= a.bottom; });
+    }
+    std::uint32_t ColumnMask(int column) const {
+        return Mask([column](const Area& a) { return a.left <= column && column <= a.right; });
+    }
+
+    // The change of a cell in the parts of `mask`, null for a cell in none.
+    StyleChange* For(std::uint32_t mask) {
+        if (mask == 0) return nullptr;
+        auto found = changes_.find(mask);
+        if (found == changes_.end()) found = changes_.try_emplace(mask, InTurn(mask)).first;
+        return &found->second;
+    }
+
+  private:
+    std::function<void(Style&)> InTurn(std::uint32_t mask) const {
+        return [this, mask](Style& style) {
+            for (std::size_t part = 0; part < parts_.size(); ++part) {
+                if (mask & (1u << part)) parts_[part].change(style);
+            }
+        };
+    }
+
+    template <class Holds>
+    std::uint32_t Mask(Holds holds) const {
+        std::uint32_t mask = 0;
+        for (std::size_t part = 0; part < parts_.size(); ++part) {
+            if (holds(parts_[part].cells)) mask |= 1u << part;
+        }
+        return mask;
+    }
+
+    const std::vector<StylePart>& parts_;
+    std::unordered_map<std::uint32_t, StyleChange> changes_;
+};
 
 }  // namespace
 
@@ -241,12 +306,40 @@ void ChangeStyle(Sheet& sheet, const std::vector<Area>& areas,
             ChangeRows(sheet, area, change);
         } else {
             // A block leaves the formats of its rows and columns as they were.
-            ChangeBlock(sheet, area, change);
+            ChangeBlock(sheet, area, [&change](int, int) { return &change; });
             continue;
         }
         NormalizeRowInfos(sheet, area.top, area.bottom);
         NormalizeColumnInfos(sheet, area.left, area.right);
     }
+}
+
+void ChangeStyleByPart(Sheet& sheet, const std::vector<StylePart>& parts) {
+    const bool blocks = std::none_of(parts.begin(), parts.end(), [](const StylePart& part) {
+        return part.cells.WholeRows() || part.cells.WholeColumns();
+    });
+    if (parts.empty() || !blocks || parts.size() > PartChanges::kMostParts) {
+        for (const StylePart& part : parts) ChangeStyle(sheet, {part.cells}, part.change);
+        return;
+    }
+    std::vector<Area> areas;
+    for (const StylePart& part : parts) areas.push_back(part.cells);
+    if (CellsStyledBy(sheet, areas) > kMostCellsStyledAtOnce) throw std::bad_alloc();
+    const Area bounds = Bounds(parts);
+    PartChanges changes(parts);
+    std::vector<std::uint32_t> columnMasks;
+    for (int column = bounds.left; column <= bounds.right; ++column) {
+        columnMasks.push_back(changes.ColumnMask(column));
+    }
+    int maskRow = 0;
+    std::uint32_t rowMask = 0;
+    ChangeBlock(sheet, bounds, [&](int row, int column) {
+        if (row != maskRow) {
+            maskRow = row;
+            rowMask = changes.RowMask(row);
+        }
+        return changes.For(rowMask & columnMasks[column - bounds.left]);
+    });
 }
 
 void ClearContents(Sheet& sheet, const std::vector<Area>& areas) {

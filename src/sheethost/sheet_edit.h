@@ -33,6 +33,16 @@ double CellsStyledBy(const Sheet& sheet, const std::vector<Area>& areas);
 void ChangeStyle(Sheet& sheet, const std::vector<Area>& areas,
                  const std::function<void(Style&)>& change);
 
+// A change that differs between parts of a block, such as a border kept on both cells beside an
+// edge: each part names its cells and its change. When every part is a block of cells, their
+// bounding block is walked once and a cell in several parts takes their changes in order; the
+// result is that of ChangeStyle called for each part in turn.
+struct StylePart {
+    Area cells;
+    std::function<void(Style&)> change;
+};
+void ChangeStyleByPart(Sheet& sheet, const std::vector<StylePart>& parts);
+
 // A row or column format equal to the default is no format, and an entry that holds nothing is
 // dropped, so that equal sheets have equal records. The scoped forms look only at the entries of
 // the rows (or columns) a change touched, so that a change row by row stays linear in the rows.

@@ -114,4 +114,37 @@ TEST(CellStoreTest, ASharedFormatIsCopiedBeforeOneCellChangesIt) {
     EXPECT_TRUE(sheet.cells.empty());
 }
 
+// Borders change the cells on both sides of an edge in one walk: the outcome must be that of
+// each part changed in turn, overlaps taking their changes in order, over cells that hold values,
+// inherit a row or column format, or are missing.
+TEST(CellStoreTest, AChangeByPartEndsAsItsPartsChangedInTurn) {
+    Sheet sheet;
+    CellAt(sheet, 3, 3).value = 1.0;
+    CellAt(sheet, 9, 9).value = 2.0;
+    sheethost::ChangeStyle(sheet, {Area{4, 1, 4, sheethost::kMaxColumn}},
+                           [](Style& style) { style.font.italic = true; });
+    sheethost::ChangeStyle(sheet, {Area{1, 5, sheethost::kMaxRow, 5}},
+                           [](Style& style) { style.numberFormat = "0.0"; });
+    const auto lineStyle = [](int value) {
+        return [value](Style& style) { style.borders[0].lineStyle = value; };
+    };
+    const std::vector<sheethost::StylePart> parts{
+        {Area{2, 2, 5, 4}, lineStyle(1)},
+        {Area{3, 3, 6, 6}, lineStyle(2)},
+        {Area{1, 1, 1, 1}, [](Style& style) { style.font.bold = true; }},
+        {Area{7, 7, 8, 8}, [](Style&) {}},
+    };
+    Sheet inTurn = sheet;
+    for (const auto& part : parts) sheethost::ChangeStyle(inTurn, {part.cells}, part.change);
+    sheethost::ChangeStyleByPart(sheet, parts);
+
+    EXPECT_EQ(sheet.cells, inTurn.cells);
+    EXPECT_EQ(CellAt(sheet, 3, 3).style->borders[0].lineStyle, 2);
+    EXPECT_TRUE(CellAt(sheet, 4, 5).style->font.italic);
+    EXPECT_EQ(sheet.cells.find({7, 7}), sheet.cells.end());  // changed to nothing: no entry
+    EXPECT_EQ(sheet.cells.find({1, 3}), sheet.cells.end());  // between the parts: untouched
+    // Cells that lie in the same parts and looked alike share their new format.
+    EXPECT_TRUE(CellAt(sheet, 2, 2).style.Shares(CellAt(sheet, 2, 3).style));
+}
+
 }  // namespace
