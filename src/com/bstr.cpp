@@ -25,13 +25,20 @@ std::byte* Header(BSTR text) {
 BSTR SysAllocStringLen(const OLECHAR* text, UINT length) {
     if (length > kMaxLength) return nullptr;
     const ByteCount byteCount = length * sizeof(OLECHAR);
-    // calloc: a null text leaves the characters zeroed, and the terminator is already in place.
+    // malloc, not calloc: glibc hands calloc no memory from its per-thread cache, and texts pass
+    // through here for every cell a command reads or writes.
     auto* block =
-        static_cast<std::byte*>(std::calloc(1, sizeof(ByteCount) + byteCount + sizeof(OLECHAR)));
+        static_cast<std::byte*>(std::malloc(sizeof(ByteCount) + byteCount + sizeof(OLECHAR)));
     if (block == nullptr) return nullptr;
     std::memcpy(block, &byteCount, sizeof byteCount);
     auto* characters = reinterpret_cast<BSTR>(block + sizeof(ByteCount));
-    if (text != nullptr && length > 0) std::memcpy(characters, text, byteCount);
+    // A null text leaves the characters zeroed, as the runtime does.
+    if (text != nullptr && length > 0) {
+        std::memcpy(characters, text, byteCount);
+    } else {
+        std::memset(characters, 0, byteCount);
+    }
+    characters[length] = 0;
     return characters;
 }
 
