@@ -134,7 +134,7 @@ bool TypeIntoCell(Sheet& sheet, int row, int column, std::string_view text) {
         return true;
     }
     if (text.front() == '=' && text.size() > 1) {
-        if (!IsWellFormedFormula(text)) return false;
+        if (!IsWellFormedFormula(text, row, column)) return false;
         Cell& cell = CellAt(sheet, row, column);
         cell.value = Blank{};
         cell.formula = std::string(text);

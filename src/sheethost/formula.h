@@ -53,8 +53,9 @@ std::string OffsetReferences(std::string_view formula, int rowOffset, int column
 
 // Whether the spreadsheet would accept `formula` when it is entered: it parses, and every built-in
 // function it calls has an allowed number of arguments ("=MIN()" is refused). Unknown function
-// names and names are accepted; they evaluate to #NAME?.
-bool IsWellFormedFormula(std::string_view formula);
+// names and names are accepted; they evaluate to #NAME?. `row` and `column` are the cell it is
+// entered into: its tree is kept for when the cell is read.
+bool IsWellFormedFormula(std::string_view formula, int row, int column);
 
 // A text read as a number the way arithmetic coerces it: blanks around it ignored, an optional
 // sign, digits with optional thousands separators, a decimal point, an exponent, a trailing

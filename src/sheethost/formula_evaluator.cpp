@@ -325,8 +325,8 @@ Value EvaluateFormula(std::string_view formula, std::string_view sheet, int row,
     return result;
 }
 
-bool IsWellFormedFormula(std::string_view formula) {
-    return formula::Parse(formula).root != nullptr;
+bool IsWellFormedFormula(std::string_view formula, int row, int column) {
+    return ParsedFormula(formula, row, column).tree->root != nullptr;
 }
 
 }  // namespace sheethost

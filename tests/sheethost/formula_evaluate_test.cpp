@@ -56,10 +56,10 @@ TEST_F(SummaryFormulaTest, PercentCompleteIsPvWeightedOverChainedSums) {
 }
 
 TEST_F(SummaryFormulaTest, EmptyChildListIsRefusedOnEntry) {
-    EXPECT_FALSE(IsWellFormedFormula("=IF(MIN()=0,\"\",MIN())"));
-    EXPECT_FALSE(IsWellFormedFormula("=IF(A1)"));
-    EXPECT_TRUE(IsWellFormedFormula("=IF(MIN(P13)=0,\"\",MIN(P13))"));
-    EXPECT_TRUE(IsWellFormedFormula("=NOSUCHFUNCTION()"));
+    EXPECT_FALSE(IsWellFormedFormula("=IF(MIN()=0,\"\",MIN())", 12, 16));
+    EXPECT_FALSE(IsWellFormedFormula("=IF(A1)", 12, 16));
+    EXPECT_TRUE(IsWellFormedFormula("=IF(MIN(P13)=0,\"\",MIN(P13))", 12, 16));
+    EXPECT_TRUE(IsWellFormedFormula("=NOSUCHFUNCTION()", 12, 16));
     EXPECT_EQ(book.Eval("=IF(MIN()=0,\"\",MIN())"), Value(ErrorValue::kValue));
 }
 
@@ -358,7 +358,7 @@ TEST(RobustnessTest, TextThatIsNoFormulaGivesAnErrorValue) {
                             "=%",
                             "=SUM((1)"}) {
         EXPECT_EQ(book.Eval(bad), Value(ErrorValue::kName)) << bad;
-        EXPECT_FALSE(IsWellFormedFormula(bad)) << bad;
+        EXPECT_FALSE(IsWellFormedFormula(bad, 1, 1)) << bad;
     }
     EXPECT_EQ(book.Eval("=FOO(1)"), Value(ErrorValue::kName));
 }
@@ -386,7 +386,7 @@ TEST(RobustnessTest, FormulasLongerThanTheSpreadsheetAcceptsAreRefused) {
     const std::string longest = "=\"" + std::string(8189, 'x') + "\"";
     EXPECT_EQ(book.Eval(longest), Value(std::string(8189, 'x')));
     EXPECT_EQ(book.Eval(longest + "&1"), Value(ErrorValue::kName));
-    EXPECT_FALSE(IsWellFormedFormula(longest + "&1"));
+    EXPECT_FALSE(IsWellFormedFormula(longest + "&1", 1, 1));
 }
 
 TEST(RobustnessTest, LongChainsOfFormulaCellsStopBeforeTheStackRunsOut) {
