@@ -138,6 +138,12 @@ class CellStore {
         while (row > 0 && (RowCells(row) == nullptr || RowCells(row)->empty())) --row;
         return row;
     }
+    // Starts the processor fetching the first cells of a row that a walk will reach soon: rows
+    // lie apart in memory, and a walk down a large table otherwise waits for main memory at the
+    // start of every row.
+    void Prefetch(int row) const {
+        if (const Row* cells = RowCells(row)) __builtin_prefetch(cells->data());
+    }
     // Room in a row for this many cells, for a reader that knows how many are coming.
     void ReserveRow(int row, std::size_t cells) { MakeRow(row).reserve(cells); }
 
@@ -202,6 +208,9 @@ class CellStore {
     // cell in its last row holds one block, not a million empty rows.
     static constexpr int kRowsPerChunk = 256;
     static constexpr int kPastEnd = INT_MAX;
+    // Rows up to this many cells are searched from their start: one stream through memory
+    // rather than a binary search's jumps, each of which waits for its own fetch.
+    static constexpr std::size_t kScannedRowCells = 32;
     struct Chunk {
         std::array<Row, kRowsPerChunk> rows;
     };
@@ -233,8 +242,13 @@ class CellStore {
     }
     template <class Cells>
     static auto PlaceIn(Cells& cells, int column) {
-        return std::lower_bound(cells.begin(), cells.end(), column,
-                                [](const Entry& entry, int c) { return entry.first.column < c; });
+        const auto before = [](const Entry& entry, int c) { return entry.first.column < c; };
+        if (cells.size() <= kScannedRowCells) {
+            auto place = cells.begin();
+            while (place != cells.end() && before(*place, column)) ++place;
+            return place;
+        }
+        return std::lower_bound(cells.begin(), cells.end(), column, before);
     }
 
     iterator Insert(Row& cells, typename Row::iterator place, const CellRef& ref, Cell cell) {

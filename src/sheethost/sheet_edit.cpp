@@ -170,6 +170,8 @@ void ChangeSheet(Sheet& sheet, StyleChange& change) {
 // one before and dropped at once when the change leaves it bare: a search per cell made styling a
 // large block grow faster than the block. `changeAt(row, column)` gives a cell's change, or null
 // for a cell the change passes over.
+constexpr int kRowsAhead = 8;
+
 template <class ChangeAt>
 void ChangeBlock(Sheet& sheet, const Area& area, ChangeAt changeAt) {
     auto& cells = sheet.cells;
@@ -181,6 +183,7 @@ void ChangeBlock(Sheet& sheet, const Area& area, ChangeAt changeAt) {
     InheritsCheck inherits;
     for (int row = area.top; row <= area.bottom; ++row) {
         const SharedStyle* rowStyle = RowStyle(sheet, row);
+        cells.Prefetch(row + kRowsAhead);
         auto at = cells.lower_bound(CellRef{row, area.left});
         for (int column = area.left; column <= area.right; ++column) {
             const CellRef ref{row, column};
@@ -192,14 +195,19 @@ void ChangeBlock(Sheet& sheet, const Area& area, ChangeAt changeAt) {
             }
             const SharedStyle& inherited =
                 rowStyle != nullptr ? *rowStyle : *columnStyles[column - area.left];
-            if (!exists) {
-                Cell cell;
-                cell.style = inherited;
-                at = cells.emplace_hint(at, ref, std::move(cell));
+            if (exists) {
+                (*change)(at->second.style);
+                const bool bare = inherits(at->second.style, inherited) && HoldsNothing(at->second);
+                at = bare ? cells.erase(at) : std::next(at);
+                continue;
             }
-            (*change)(at->second.style);
-            const bool bare = inherits(at->second.style, inherited) && HoldsNothing(at->second);
-            at = bare ? cells.erase(at) : std::next(at);
+            // A missing cell gets an entry only when the change gives it a format of its own.
+            Cell cell;
+            cell.style = inherited;
+            (*change)(cell.style);
+            if (!inherits(cell.style, inherited)) {
+                at = std::next(cells.emplace_hint(at, ref, std::move(cell)));
+            }
         }
     }
 }
@@ -333,12 +341,20 @@ void ChangeStyleByPart(Sheet& sheet, const std::vector<StylePart>& parts) {
     }
     int maskRow = 0;
     std::uint32_t rowMask = 0;
+    std::uint32_t lastMask = 0;
+    StyleChange* lastChange = nullptr;
     ChangeBlock(sheet, bounds, [&](int row, int column) {
         if (row != maskRow) {
             maskRow = row;
             rowMask = changes.RowMask(row);
         }
-        return changes.For(rowMask & columnMasks[column - bounds.left]);
+        // Neighbouring cells mostly lie in the same parts.
+        const std::uint32_t mask = rowMask & columnMasks[column - bounds.left];
+        if (mask != lastMask || lastChange == nullptr) {
+            lastMask = mask;
+            lastChange = changes.For(mask);
+        }
+        return lastChange;
     });
 }
 
