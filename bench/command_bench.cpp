@@ -1,6 +1,6 @@
 // Measures every built command, and the workbook files, on projects of 1,000 and 10,000 tasks:
 // the sample's task rows repeated until the project holds that many. Each measurement runs in a
-// process of its own, so that its peak memory is its own, three times; the fastest counts. Prints
+// process of its own, so that its peak memory is its own, five times; the fastest counts. Prints
 // a Markdown table (the README's speed table) and each target next to its measurement.
 //
 // usage: command_bench SAMPLE.json [TASKS TASKS]           (default 1000 10000)
@@ -55,7 +55,7 @@ constexpr double kUpdateCallsPerTask = 30;
 constexpr double kUpdateSeconds = 0.5;
 constexpr double kGrowth = 11;
 constexpr double kPeakMegabytes = 200;
-constexpr int kRounds = 3;
+constexpr int kRounds = 5;
 
 // The sample's task rows: the first task row and the last row that holds a task.
 constexpr int kFirstTaskRow = 5;

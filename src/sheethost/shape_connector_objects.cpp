@@ -148,7 +148,9 @@ class AdjustmentsObject final : public DispatchObjectOf<AdjustmentsObject> {
         call.ExpectCount(1, 1);
         std::vector<double>& adjustments = handle_.Live().adjustments;
         const int index = call.Integer(0);
-        if (index < 1 || static_cast<std::size_t>(index) > adjustments.size()) RaiseBadIndex();
+        if (index < 1 || static_cast<std::size_t>(index) > adjustments.size()) {
+            return call.Decline(BadIndex());
+        }
         double& value = adjustments[static_cast<std::size_t>(index) - 1];
         if (call.IsPut()) {
             value = call.PutNumber();

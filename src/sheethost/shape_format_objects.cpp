@@ -12,7 +12,7 @@ void RangedProperty(Invocation& call, Field& field, double minimum, double maxim
     call.ExpectCount(0, 0);
     if (!call.IsPut()) return call.ReturnNumber(static_cast<double>(field));
     const double value = call.PutNumber();
-    if (value < minimum || value > maximum) RaiseOutOfRange();
+    if (value < minimum || value > maximum) return call.Decline(OutOfRange());
     if constexpr (std::is_integral_v<Field>) {
         field = call.PutInteger();
     } else {

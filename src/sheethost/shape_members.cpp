@@ -94,12 +94,20 @@ void ReadOnly(Invocation& call) {
     if (call.IsPut()) Refuse(DISP_E_MEMBERNOTFOUND);
 }
 
+Refusal OutOfRange() {
+    return Raised("The specified value is out of range.");
+}
+
+Refusal BadIndex() {
+    return Raised("The index into the specified collection is out of bounds.");
+}
+
 void RaiseOutOfRange() {
-    Raise("The specified value is out of range.");
+    throw OutOfRange();
 }
 
 void RaiseBadIndex() {
-    Raise("The index into the specified collection is out of bounds.");
+    throw BadIndex();
 }
 
 Refusal NotFound() {

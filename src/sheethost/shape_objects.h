@@ -64,11 +64,14 @@ void TextProperty(Invocation& call, std::string& field);
 // Refuses a put on a read-only member.
 void ReadOnly(Invocation& call);
 
-// The spreadsheet's messages for the refusals the drawing side makes.
+// The spreadsheet's messages for the refusals the drawing side makes. Handlers Decline with the
+// refusals a drawing command meets for every shape (a lookup by a name that is not there, an
+// adjustment a shape does not have, a value out of range), and raise the rest.
+Refusal OutOfRange();
+Refusal BadIndex();
+Refusal NotFound();
 [[noreturn]] void RaiseOutOfRange();
 [[noreturn]] void RaiseBadIndex();
-// A lookup by a name that is not there; handlers Decline with it.
-Refusal NotFound();
 [[noreturn]] void RaiseDeleted();
 
 }  // namespace sheethost
