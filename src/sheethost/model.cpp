@@ -45,6 +45,11 @@ const SharedStyle& EffectiveStyle(const Sheet& sheet, int row, int column) {
     return InheritedStyle(sheet, row, column);
 }
 
+const std::string& FormulaText::Text() const {
+    static const std::string kNone;
+    return text_ ? *text_ : kNone;
+}
+
 Cell& CellAt(Sheet& sheet, int row, int column) {
     const CellRef key{row, column};
     auto found = sheet.cells.find(key);

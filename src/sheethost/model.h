@@ -158,9 +158,41 @@ class SharedStyle {
     std::shared_ptr<Style> style_;
 };
 
+// A cell's formula text, kept apart from the cell record: most cells hold none, and records that
+// stay small keep more of a large sheet's rows in the processor's cache.
+class FormulaText {
+  public:
+    FormulaText() = default;
+    explicit FormulaText(std::string text) { *this = std::move(text); }
+    FormulaText(const FormulaText& other) { *this = other; }
+    FormulaText(FormulaText&&) noexcept = default;
+    FormulaText& operator=(const FormulaText& other) {
+        if (this != &other) *this = other.Text();
+        return *this;
+    }
+    FormulaText& operator=(FormulaText&&) noexcept = default;
+    FormulaText& operator=(std::string text) {
+        text_ = text.empty() ? nullptr : std::make_unique<std::string>(std::move(text));
+        return *this;
+    }
+    ~FormulaText() = default;
+
+    bool empty() const { return text_ == nullptr; }
+    void clear() { text_.reset(); }
+    const std::string& Text() const;
+    operator const std::string&() const { return Text(); }
+    operator std::string_view() const { return Text(); }
+    char front() const { return Text().front(); }
+    bool operator==(const FormulaText& other) const { return Text() == other.Text(); }
+    bool operator==(std::string_view text) const { return Text() == text; }
+
+  private:
+    std::unique_ptr<std::string> text_;
+};
+
 struct Cell {
     Value value;          // Blank for a formula cell: formulas are evaluated when read
-    std::string formula;  // starts with "=" when the cell holds a formula, else empty
+    FormulaText formula;  // starts with "=" when the cell holds a formula, else empty
     // The text was typed with a leading apostrophe: it stays text whatever it looks like.
     bool quotePrefix = false;
     SharedStyle style;

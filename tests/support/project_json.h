@@ -170,7 +170,7 @@ class ProjectJson {
     // The task sheet's formula at `address`, empty when the cell holds none.
     std::string Formula(std::string_view address) const {
         const sheethost::Cell* cell = HostCell(address);
-        return cell != nullptr ? cell->formula : std::string();
+        return cell != nullptr ? cell->formula.Text() : std::string();
     }
     // The value the task sheet shows at `address` (formulas evaluated).
     sheethost::Value Shown(std::string_view address) const {
