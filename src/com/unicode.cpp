@@ -127,6 +127,16 @@ int Transcode(Input input, Unit* output, int capacity, Encode encode) {
     int produced = 0;
     Unit units[4];
     while (!input.empty()) {
+        // ASCII, most of what a workbook's texts hold, maps one unit to one.
+        if (const auto unit = input.front(); static_cast<char32_t>(unit) < 0x80) {
+            if (capacity > 0) {
+                if (produced == capacity) return 0;
+                output[produced] = static_cast<Unit>(unit);
+            }
+            ++produced;
+            input.remove_prefix(1);
+            continue;
+        }
         const int count = encode(TakeCodePoint(input), units);
         if (capacity > 0) {
             if (produced + count > capacity) return 0;
