@@ -256,7 +256,9 @@ class Lexer {
                 }
             }
         } else {
-            while (IsNameChar(At(i))) sheet += body_[i++];
+            // Most words are no sheet name: the name is copied only once its "!" is seen.
+            while (IsNameChar(At(i))) ++i;
+            if (At(i) == '!') sheet = body_.substr(pos_, i - pos_);
         }
         if (sheet.empty() || At(i) != '!') return false;
         token.sheetPart = body_.substr(pos_, i + 1 - pos_);
