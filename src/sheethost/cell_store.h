@@ -111,7 +111,7 @@ class CellStore {
 
     CellStore() = default;
     CellStore(const CellStore& other) { *this = other; }
-    CellStore(CellStore&& other) noexcept = default;
+    CellStore(CellStore&& other) noexcept { *this = std::move(other); }
     CellStore& operator=(const CellStore& other) {
         if (this == &other) return *this;
         chunks_.clear();
@@ -123,7 +123,13 @@ class CellStore {
         lastRow_ = other.lastRow_;
         return *this;
     }
-    CellStore& operator=(CellStore&& other) noexcept = default;
+    // The store moved from is left empty.
+    CellStore& operator=(CellStore&& other) noexcept {
+        chunks_ = std::exchange(other.chunks_, {});
+        size_ = std::exchange(other.size_, 0);
+        lastRow_ = std::exchange(other.lastRow_, 0);
+        return *this;
+    }
     ~CellStore() = default;
 
     iterator begin() { return iterator(this, 1, 0); }
@@ -132,11 +138,20 @@ class CellStore {
     const_iterator end() const { return const_iterator(this); }
     bool empty() const { return size_ == 0; }
     std::size_t size() const { return size_; }
-    // The last row that holds a cell, 0 when none does.
+    // The last row that holds a cell, 0 when none does. Rows emptied at the end are passed over
+    // once: the answer is kept for the next question.
     int LastRow() const {
-        int row = lastRow_;
-        while (row > 0 && (RowCells(row) == nullptr || RowCells(row)->empty())) --row;
-        return row;
+        while (lastRow_ > 0) {
+            const std::unique_ptr<Chunk>& chunk = chunks_[ChunkOf(lastRow_)];
+            if (chunk == nullptr) {
+                lastRow_ = static_cast<int>(ChunkOf(lastRow_)) * kRowsPerChunk;
+            } else if (chunk->rows[SlotOf(lastRow_)].empty()) {
+                --lastRow_;
+            } else {
+                break;
+            }
+        }
+        return lastRow_;
     }
     // Starts the processor fetching the first cells of a row that a walk will reach soon: rows
     // lie apart in memory, and a walk down a large table otherwise waits for main memory at the
@@ -276,7 +291,7 @@ class CellStore {
 
     std::vector<std::unique_ptr<Chunk>> chunks_;
     std::size_t size_ = 0;
-    int lastRow_ = 0;  // no row past it holds a cell
+    mutable int lastRow_ = 0;  // no row past it holds a cell
 };
 
 }  // namespace sheethost

@@ -84,6 +84,10 @@ TEST(CellStoreTest, CellsAreFoundAndWalkedInOrderAfterEveryChangeCopyAndMove) {
     sheethost::CellStore<sheethost::Cell> assigned;
     assigned = std::move(moved);
     ExpectFoundAsWalked(assigned);
+    // What a store moved from holds is nothing, walked or asked.
+    EXPECT_EQ(moved.begin(), moved.end());
+    EXPECT_EQ(moved.LastRow(), 0);
+    EXPECT_EQ(moved.find({3, 1}), moved.end());
     EXPECT_EQ(assigned, copy);
     assigned[{3, 1}].value = 1.0;
     EXPECT_FALSE(assigned == copy);
