@@ -275,6 +275,13 @@ struct ParsedTree {
     formula::Offset moved;
 };
 
+// A tree and the cell it was parsed for.
+struct FormTree {
+    std::shared_ptr<const ParseResult> tree;
+    int row = 0;
+    int column = 0;
+};
+
 // Formula texts, found without making a string of the one looked up.
 struct TextHash : std::hash<std::string_view> {
     using is_transparent = void;
@@ -289,7 +296,7 @@ using ByText = std::unordered_map<std::string, Entry, TextHash, std::equal_to<>>
 ParsedTree ParsedFormula(std::string_view text, int row, int column) {
     constexpr std::size_t kKept = 512;
     thread_local ByText<ParsedTree> byText;
-    thread_local ByText<ParsedTree> byForm;  // `moved` holds the cell the tree was parsed for
+    thread_local ByText<FormTree> byForm;
     if (const auto found = byText.find(text); found != byText.end()) return found->second;
     if (byText.size() >= kKept) byText.clear();
     auto tokens = formula::FormulaTokens(text);
@@ -302,10 +309,10 @@ ParsedTree ParsedFormula(std::string_view text, int row, int column) {
     if (found == byForm.end()) {
         if (byForm.size() >= kKept) byForm.clear();
         auto tree = std::make_shared<const ParseResult>(formula::Parse(std::move(*tokens)));
-        found = byForm.emplace(std::move(form), ParsedTree{std::move(tree), {row, column}}).first;
+        found = byForm.emplace(std::move(form), FormTree{std::move(tree), row, column}).first;
     }
-    const formula::Offset parsedAt = found->second.moved;
-    const ParsedTree parsed{found->second.tree, {row - parsedAt.rows, column - parsedAt.columns}};
+    const FormTree& shared = found->second;
+    const ParsedTree parsed{shared.tree, {row - shared.row, column - shared.column}};
     byText.emplace(text, parsed);
     return parsed;
 }
