@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <new>
-#include <set>
+#include <unordered_set>
 
 #include "com/text.h"
 #include "values/values.h"
@@ -17,7 +17,7 @@ const IID kHostObjectIid = {
 constexpr const char* kExceptionSource = "Vantora Sheet";
 
 struct Diagnostics {
-    std::set<const CountedObject*> live;
+    std::unordered_set<const CountedObject*> live;
     long calls = 0;
     std::vector<std::string>* log = nullptr;
     // Invoke calls in progress: only the outermost one was sent from outside the host.
@@ -424,7 +424,7 @@ std::vector<std::string> LiveObjectReport() {
         report.push_back(object->Describe() + " (" + std::to_string(object->references_) +
                          " references)");
     }
-    // The live set is ordered by address, which differs from run to run and host to host.
+    // The live set keeps no order that holds from run to run.
     std::sort(report.begin(), report.end());
     return report;
 }
