@@ -13,12 +13,15 @@
 #include <array>
 #include <climits>
 #include <cstddef>
+#include <cstdint>
 #include <iterator>
 #include <memory>
 #include <stdexcept>
 #include <type_traits>
 #include <utility>
 #include <vector>
+
+#include "sheethost/contents_generation.h"
 
 namespace sheethost {
 
@@ -114,6 +117,7 @@ class CellStore {
     CellStore(CellStore&& other) noexcept { *this = std::move(other); }
     CellStore& operator=(const CellStore& other) {
         if (this == &other) return *this;
+        NoteChange();
         chunks_.clear();
         chunks_.reserve(other.chunks_.size());
         for (const auto& chunk : other.chunks_) {
@@ -125,6 +129,8 @@ class CellStore {
     }
     // The store moved from is left empty.
     CellStore& operator=(CellStore&& other) noexcept {
+        NoteChange();
+        other.NoteChange();
         chunks_ = std::exchange(other.chunks_, {});
         size_ = std::exchange(other.size_, 0);
         lastRow_ = std::exchange(other.lastRow_, 0);
@@ -132,7 +138,12 @@ class CellStore {
     }
     ~CellStore() = default;
 
-    iterator begin() { return iterator(this, 1, 0); }
+    // Every member that hands out a cell to change, or changes one, counts as a change
+    // (Changes): reading goes through the const members.
+    iterator begin() {
+        NoteChange();
+        return iterator(this, 1, 0);
+    }
     iterator end() { return iterator(this); }
     const_iterator begin() const { return const_iterator(this, 1, 0); }
     const_iterator end() const { return const_iterator(this); }
@@ -160,9 +171,15 @@ class CellStore {
         if (const Row* cells = RowCells(row)) __builtin_prefetch(cells->data());
     }
     // Room in a row for this many cells, for a reader that knows how many are coming.
-    void ReserveRow(int row, std::size_t cells) { MakeRow(row).reserve(cells); }
+    void ReserveRow(int row, std::size_t cells) {
+        NoteChange();
+        MakeRow(row).reserve(cells);
+    }
 
-    iterator find(const CellRef& ref) { return Find<iterator>(this, ref); }
+    iterator find(const CellRef& ref) {
+        NoteChange();
+        return Find<iterator>(this, ref);
+    }
     const_iterator find(const CellRef& ref) const { return Find<const_iterator>(this, ref); }
     const Cell& at(const CellRef& ref) const {
         const const_iterator found = find(ref);
@@ -170,12 +187,16 @@ class CellStore {
         return found->second;
     }
     // The first cell at or after a place, whether or not a cell stands there.
-    iterator lower_bound(const CellRef& ref) { return LowerBound<iterator>(this, ref); }
+    iterator lower_bound(const CellRef& ref) {
+        NoteChange();
+        return LowerBound<iterator>(this, ref);
+    }
     const_iterator lower_bound(const CellRef& ref) const {
         return LowerBound<const_iterator>(this, ref);
     }
 
     std::pair<iterator, bool> emplace(const CellRef& ref, Cell cell) {
+        NoteChange();
         Row& cells = MakeRow(ref.row);
         // Cells mostly come in column order, as a file or a new table is read: the end is tried
         // before the row is searched.
@@ -189,6 +210,7 @@ class CellStore {
     }
     // A cell placed just before `hint` when it belongs there, as a walk along a row makes them.
     iterator emplace_hint(iterator hint, const CellRef& ref, Cell cell) {
+        NoteChange();
         if (hint.row_ == ref.row) {
             Row& cells = *hint.cells_;
             const auto place = cells.begin() + static_cast<std::ptrdiff_t>(hint.at_);
@@ -202,6 +224,7 @@ class CellStore {
     Cell& operator[](const CellRef& ref) { return emplace(ref, Cell{}).first->second; }
     // Returns the cell after the erased one.
     iterator erase(iterator at) {
+        NoteChange();
         Row& cells = *at.cells_;
         cells.erase(cells.begin() + static_cast<std::ptrdiff_t>(at.at_));
         --size_;
@@ -209,10 +232,15 @@ class CellStore {
     }
 
     void clear() {
+        NoteChange();
         chunks_.clear();
         size_ = 0;
         lastRow_ = 0;
     }
+
+    // Counts the calls of the members that may change cells; a count that stayed means the cells
+    // are as they were.
+    std::uint64_t Changes() const { return changes_; }
 
     bool operator==(const CellStore& other) const {
         return size_ == other.size_ && std::equal(begin(), end(), other.begin(), other.end());
@@ -289,9 +317,15 @@ class CellStore {
         return It(self, row, at);
     }
 
+    void NoteChange() {
+        ++changes_;
+        NoteAnyCellChange();
+    }
+
     std::vector<std::unique_ptr<Chunk>> chunks_;
     std::size_t size_ = 0;
     mutable int lastRow_ = 0;  // no row past it holds a cell
+    std::uint64_t changes_ = 0;
 };
 
 }  // namespace sheethost

@@ -5,6 +5,7 @@
 #include <cmath>
 
 #include "com/text.h"
+#include "sheethost/contents_generation.h"
 #include "sheethost/dispatch_object.h"
 #include "values/values.h"
 
@@ -60,17 +61,27 @@ std::string TypedDateFormat(double serial) {
 
 // --- Formula evaluation -------------------------------------------------------------------
 
+ResultSources BookFormulaContext::SourcesOf(const Sheet& sheet) const {
+    return {sheet.cells.Changes(), book_.sheetNameChanges, AnyCellChanges()};
+}
+
 Value BookFormulaContext::Evaluate(const Sheet& sheet, int row, int column) {
     const Cell* cell = FindCell(sheet, row, column);
     if (cell == nullptr) return Blank{};
     if (cell->formula.empty()) return cell->value;
+    const ResultSources sources = SourcesOf(sheet);
+    if (const Value* known = sheet.formulaResults.Find(sources, row, column)) return *known;
     const std::pair<const Sheet*, CellRef> key{&sheet, CellRef{row, column}};
     if (std::find(evaluating_.begin(), evaluating_.end(), key) != evaluating_.end()) {
+        ++partialResults_;
         return ErrorValue::kRef;
     }
+    const int partialBefore = partialResults_;
+    if (AtChainLimit()) ++partialResults_;  // the evaluation below is cut for its depth alone
     evaluating_.push_back(key);
     Value value = EvaluateFormula(cell->formula, sheet.name, row, column, *this);
     evaluating_.pop_back();
+    if (partialResults_ == partialBefore) sheet.formulaResults.Keep(sources, row, column, value);
     return value;
 }
 
@@ -79,8 +90,17 @@ const Sheet* BookFormulaContext::SheetNamed(std::string_view name) const {
     return FindSheet(book_, name).get();
 }
 
+const Sheet* BookFormulaContext::SheetRead(std::string_view name) {
+    const Sheet* found = SheetNamed(name);
+    if (found == nullptr) return nullptr;
+    for (const auto& [reading, cell] : evaluating_) {
+        if (reading != found) reading->formulaResults.ReadOtherSheets(SourcesOf(*reading));
+    }
+    return found;
+}
+
 Value BookFormulaContext::CellValue(std::string_view sheet, int row, int column) {
-    const Sheet* found = SheetNamed(sheet);
+    const Sheet* found = SheetRead(sheet);
     if (found == nullptr || row < 1 || row > kMaxRow || column < 1 || column > kMaxColumn) {
         return ErrorValue::kRef;
     }
@@ -98,12 +118,12 @@ std::string BookFormulaContext::NameAddress(std::string_view sheet, std::string_
 }
 
 int BookFormulaContext::LastUsedRow(std::string_view sheet) {
-    const Sheet* found = SheetNamed(sheet);
+    const Sheet* found = SheetRead(sheet);
     return found == nullptr ? 0 : found->cells.LastRow();
 }
 
 int BookFormulaContext::LastUsedColumn(std::string_view sheet) {
-    const Sheet* found = SheetNamed(sheet);
+    const Sheet* found = SheetRead(sheet);
     int last = 0;
     if (found != nullptr) {
         for (const auto& [ref, cell] : found->cells) last = std::max(last, ref.column);

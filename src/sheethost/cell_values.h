@@ -13,8 +13,8 @@
 
 namespace sheethost {
 
-// Evaluates formula cells on demand for the formula engine. A formula that depends on itself,
-// directly or through other cells, reads as #REF!.
+// Evaluates formula cells on demand for the formula engine, keeping their results until a cell
+// changes. A formula that depends on itself, directly or through other cells, reads as #REF!.
 class BookFormulaContext final : public FormulaContext {
   public:
     explicit BookFormulaContext(const Workbook& book) : book_(book) {}
@@ -29,11 +29,19 @@ class BookFormulaContext final : public FormulaContext {
 
   private:
     const Sheet* SheetNamed(std::string_view name) const;
+    // The sheet a formula reads from: the formulas being evaluated on other sheets now depend on
+    // its cells.
+    const Sheet* SheetRead(std::string_view name);
+    ResultSources SourcesOf(const Sheet& sheet) const;
 
     const Workbook& book_;
     // The formula cells being evaluated, innermost last; their sheets resolve unqualified
     // references.
     std::vector<std::pair<const Sheet*, CellRef>> evaluating_;
+    // Counts the results that depend on where the evaluation started: a cycle cut short, or a
+    // chain too deep to follow. A result computed while this stayed is the cell's own, and is
+    // kept in its sheet's FormulaResults.
+    int partialResults_ = 0;
 };
 
 // The value a cell shows (Blank for an empty cell).

@@ -37,6 +37,9 @@ class FormulaContext {
 // so the context should keep the results it has computed rather than re-follow long chains.
 Value EvaluateFormula(std::string_view formula, std::string_view sheet, int row, int column,
                       FormulaContext& context);
+// True while evaluations are nested as deep as a chain is followed: a formula evaluated now gives
+// #NUM! for where it was read from, not for what it holds.
+bool AtChainLimit();
 
 // References to rows of `movedSheet` rewritten through mapRow(oldRow) -> newRow (0 = the row is
 // gone, the reference becomes #REF!). Formulas on other sheets that refer to movedSheet by name

@@ -321,7 +321,7 @@ ParsedTree ParsedFormula(std::string_view text, int row, int column) {
 
 Value EvaluateFormula(std::string_view formula, std::string_view sheet, int row, int column,
                       FormulaContext& context) {
-    if (chainedEvaluations >= kMaxChainedEvaluations) return ErrorValue::kNum;
+    if (AtChainLimit()) return ErrorValue::kNum;
     const ChainLink link;
     const ParsedTree parsed = ParsedFormula(formula, row, column);
     if (!parsed.tree->root) return parsed.tree->refusal;
@@ -330,6 +330,10 @@ Value EvaluateFormula(std::string_view formula, std::string_view sheet, int row,
     // A formula that refers to an empty cell shows 0.
     if (std::holds_alternative<Blank>(result)) return 0.0;
     return result;
+}
+
+bool AtChainLimit() {
+    return chainedEvaluations >= kMaxChainedEvaluations;
 }
 
 bool IsWellFormedFormula(std::string_view formula, int row, int column) {

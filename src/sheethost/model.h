@@ -19,6 +19,7 @@
 
 #include "sheethost/cell_store.h"
 #include "sheethost/formula.h"
+#include "sheethost/formula_results.h"
 #include "sheethost/shape_list.h"
 #include "sheethost/shape_model.h"
 #include "sheethost/value.h"
@@ -289,6 +290,47 @@ struct PageSetup {
     bool operator==(const PageSetup&) const = default;
 };
 
+// What the last change of a block by parts (ChangeStyleByPart) left: the parts' cells, the
+// formats it left in them, with the parts each format's cells lie in, and the count of changes to
+// the sheet's cells after it. Borders are set a property at a time (line style, then weight, then
+// colour) over the same cells, and the later properties mostly ask for what the first already
+// left; a change that would leave each of those formats as it is passes over the cells unwalked.
+class PartWalkMemo {
+  public:
+    struct Result {
+        std::uint32_t parts = 0;  // a bit per part
+        SharedStyle style;
+    };
+    PartWalkMemo() = default;
+    PartWalkMemo(std::vector<Area> parts, std::uint64_t cellChanges, std::vector<Result> results)
+        : valid_(true),
+          parts_(std::move(parts)),
+          cellChanges_(cellChanges),
+          results_(std::move(results)) {}
+    // A sheet copied walks anew.
+    PartWalkMemo(const PartWalkMemo&) {}
+    PartWalkMemo& operator=(const PartWalkMemo& other) {
+        if (this != &other) *this = PartWalkMemo();
+        return *this;
+    }
+    PartWalkMemo(PartWalkMemo&&) noexcept = default;
+    PartWalkMemo& operator=(PartWalkMemo&&) noexcept = default;
+    ~PartWalkMemo() = default;
+
+    // The formats the last walk left, when it walked `parts` and the cells are as it left them;
+    // else null.
+    const std::vector<Result>* LeftIn(const std::vector<Area>& parts,
+                                      std::uint64_t cellChanges) const {
+        return valid_ && parts == parts_ && cellChanges == cellChanges_ ? &results_ : nullptr;
+    }
+
+  private:
+    bool valid_ = false;
+    std::vector<Area> parts_;
+    std::uint64_t cellChanges_ = 0;
+    std::vector<Result> results_;
+};
+
 struct Sheet {
     std::string name;
     std::string codeName;
@@ -306,6 +348,9 @@ struct Sheet {
     PageSetup pageSetup;
     ShapeList shapes;  // in z-order, back to front
     std::vector<std::shared_ptr<Chart>> charts;
+    // Kept by the formula evaluation, which reads the sheet as const.
+    mutable FormulaResults formulaResults;
+    PartWalkMemo lastPartWalk;
 };
 
 // A chart that stands as a sheet of its own, as Charts.Add makes it, until Location moves it
@@ -341,6 +386,9 @@ struct Workbook {
     // spreadsheet counts on and does not reuse the names of renamed sheets.
     int lastSheetNumber = 0;
     int lastChartNumber = 0;
+    // Counts the sheets added and renamed: formulas find other sheets by name, and what they
+    // found before may have changed.
+    std::uint64_t sheetNameChanges = 0;
     // The program's Application.ScreenUpdating, which a command switches off while it works.
     bool screenUpdating = true;
     // The text a macro put into the program's status bar; none while the program shows its own.

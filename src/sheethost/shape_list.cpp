@@ -50,6 +50,7 @@ void ShapeList::clear() {
     gluedTo_.clear();
     byName_.clear();
     byId_.clear();
+    held_.clear();
 }
 
 void ShapeList::erase(const Shape& shape) {
@@ -145,12 +146,14 @@ void ShapeList::Index(const Pointer& shape) {
     IndexGlue(shape);
     byName_[NameKey(shape->name)].push_back(shape);
     byId_[shape->id].push_back(shape);
+    held_.insert(shape.get());
 }
 
 void ShapeList::Unindex(const Shape& shape) {
     UnindexGlue(shape);
     Drop(byName_, NameKey(shape.name), shape);
     Drop(byId_, shape.id, shape);
+    held_.erase(&shape);
 }
 
 ShapeList::Pointer ShapeList::Backmost(const std::vector<Pointer>& candidates) const {

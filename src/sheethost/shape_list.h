@@ -12,6 +12,7 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 #include "sheethost/shape_model.h"
@@ -54,7 +55,7 @@ class ShapeList {
     // shape names; of that id; null when there is none.
     Pointer Named(std::string_view name) const;
     Pointer WithId(int id) const;
-    bool Holds(const Shape& shape) const { return PointerTo(shape) != nullptr; }
+    bool Holds(const Shape& shape) const { return held_.contains(&shape); }
     // 0-based z-order position, -1 when the shape is not on the sheet.
     std::ptrdiff_t IndexOf(const Shape& shape) const;
     int LastId() const { return byId_.empty() ? 0 : byId_.rbegin()->first; }
@@ -74,6 +75,10 @@ class ShapeList {
     std::unordered_map<std::string, std::vector<Pointer>> byName_;  // lower-case names
     std::map<int, std::vector<Pointer>> byId_;               // ordered: the last id is the largest
     std::unordered_map<int, std::vector<Pointer>> gluedTo_;  // by the id each end is glued to
+    // Every call on a shape first asks whether it is still on its sheet: a hashed set answers
+    // in a fetch or two where the ordered index by id walked a path as long as the log of the
+    // shapes, each step a fetch of its own once the shapes outgrew the cache.
+    std::unordered_set<const Shape*> held_;
 };
 
 }  // namespace sheethost

@@ -60,6 +60,12 @@ class StyleChange {
         if (!style.Shares(last_->second)) style = last_->second;
     }
 
+    // Visits each format the change has left a cell in.
+    template <class Visit>
+    void ForEachResult(Visit visit) const {
+        for (const auto& [key, done] : done_) visit(done.second);
+    }
+
   private:
     const std::pair<SharedStyle, SharedStyle>& Changed(const SharedStyle& style) {
         const Style* key = style.operator->();
@@ -173,9 +179,11 @@ constexpr int kRowsAhead = 8;
 // The block's cells are walked in the order the sheet keeps them, each found or made next to the
 // one before and dropped at once when the change leaves it bare: a search per cell made styling a
 // large block grow faster than the block. `changeAt(row, column)` gives a cell's change, or null
-// for a cell the change passes over.
+// for a cell the change passes over. True when every cell changed holds an entry afterwards, so
+// that its format is its own and not its row's or column's.
 template <class ChangeAt>
-void ChangeBlock(Sheet& sheet, const Area& area, ChangeAt changeAt) {
+bool ChangeBlock(Sheet& sheet, const Area& area, ChangeAt changeAt) {
+    bool allOwn = true;
     auto& cells = sheet.cells;
     // What the block's cells inherit is looked up once per column and once per row.
     std::vector<const SharedStyle*> columnStyles;
@@ -201,17 +209,21 @@ void ChangeBlock(Sheet& sheet, const Area& area, ChangeAt changeAt) {
                 (*change)(at->second.style);
                 const bool bare = inherits(at->second.style, inherited) && HoldsNothing(at->second);
                 at = bare ? cells.erase(at) : std::next(at);
+                allOwn = allOwn && !bare;
                 continue;
             }
             // A missing cell gets an entry only when the change gives it a format of its own.
             Cell cell;
             cell.style = inherited;
             (*change)(cell.style);
-            if (!inherits(cell.style, inherited)) {
+            if (inherits(cell.style, inherited)) {
+                allOwn = false;
+            } else {
                 at = std::next(cells.emplace_hint(at, ref, std::move(cell)));
             }
         }
     }
+    return allOwn;
 }
 
 // The bounding block of the parts.
@@ -247,6 +259,26 @@ class PartChanges {
         auto found = changes_.find(mask);
         if (found == changes_.end()) found = changes_.try_emplace(mask, InTurn(mask)).first;
         return &found->second;
+    }
+
+    // The formats the changes have left cells in, with the parts of each.
+    std::vector<PartWalkMemo::Result> Results() const {
+        std::vector<PartWalkMemo::Result> results;
+        for (const auto& [mask, change] : changes_) {
+            change.ForEachResult([&](const SharedStyle& style) {
+                results.push_back({mask, style});
+            });
+        }
+        return results;
+    }
+
+    // Whether the changes would leave each of these formats as it is.
+    bool Leave(const std::vector<PartWalkMemo::Result>& results) {
+        return std::all_of(results.begin(), results.end(), [this](const auto& result) {
+            SharedStyle style = result.style;
+            (*For(result.parts))(style);
+            return style.Shares(result.style);
+        });
     }
 
   private:
@@ -337,19 +369,27 @@ void ChangeStyleByPart(Sheet& sheet, const std::vector<StylePart>& parts) {
     if (CellsStyledBy(sheet, areas) > kMostCellsStyledAtOnce) throw std::bad_alloc();
     const Area bounds = Bounds(parts);
     PartChanges changes(parts);
+    if (const auto* left = sheet.lastPartWalk.LeftIn(areas, sheet.cells.Changes())) {
+        if (changes.Leave(*left)) return;
+    }
     std::vector<std::uint32_t> columnMasks;
     for (int column = bounds.left; column <= bounds.right; ++column) {
         columnMasks.push_back(changes.ColumnMask(column));
     }
     int maskRow = 0;
     std::uint32_t rowMask = 0;
-    ChangeBlock(sheet, bounds, [&](int row, int column) {
+    const bool allOwn = ChangeBlock(sheet, bounds, [&](int row, int column) {
         if (row != maskRow) {
             maskRow = row;
             rowMask = changes.RowMask(row);
         }
         return changes.For(rowMask & columnMasks[column - bounds.left]);
     });
+    // Formats inherited from rows and columns change without the cells knowing: only a walk that
+    // left every cell a format of its own can vouch for them.
+    sheet.lastPartWalk =
+        allOwn ? PartWalkMemo(std::move(areas), sheet.cells.Changes(), changes.Results())
+               : PartWalkMemo();
 }
 
 void ClearContents(Sheet& sheet, const std::vector<Area>& areas) {

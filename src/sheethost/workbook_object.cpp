@@ -133,6 +133,7 @@ void SheetsAdd(SheetsObject& sheets, Invocation& call) {
     if (count < 1) RaiseMethod("Add", sheets.TypeName());
     std::size_t position = InsertPosition(sheets, call);
     for (int k = 0; k < count; ++k, ++position) {
+        ++book.sheetNameChanges;  // formulas that name the new sheet now find it
         auto sheet = std::make_shared<Sheet>();
         sheet->name = NewSheetName(book, "Sheet", book.lastSheetNumber);
         sheet->codeName = sheet->name;

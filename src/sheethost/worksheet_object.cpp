@@ -36,6 +36,7 @@ void Name(WorksheetObject& ws, Invocation& call) {
     if (!IsValidSheetName(name) || (existing && existing != ws.sheet)) {
         RaiseProperty("set", "Name", "Worksheet");
     }
+    ++ws.book->sheetNameChanges;  // formulas that name the sheet find it, or no longer do
     ws.sheet->name = name;
 }
 

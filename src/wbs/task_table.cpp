@@ -70,14 +70,19 @@ bool InTable(const TaskRecord& record) {
     return Tasks_ByRow(record.row) == &record;
 }
 
-void IndexCode(TaskTable& table, TaskRecord& record) {
-    auto& tasks = table.byCode[values::FoldedText(TaskNameHead(record))];
+// The key a task is found by its code under.
+std::u32string CodeKey(const TaskRecord& record) {
+    return values::FoldedText(TaskNameHead(record));
+}
+
+void IndexCode(TaskTable& table, TaskRecord& record, const std::u32string& code) {
+    auto& tasks = table.byCode[code];
     const auto at = std::ranges::upper_bound(tasks, record.row, {}, &TaskRecord::row);
     tasks.insert(at, &record);
 }
 
-void UnindexCode(TaskTable& table, TaskRecord& record) {
-    const auto entry = table.byCode.find(values::FoldedText(TaskNameHead(record)));
+void UnindexCode(TaskTable& table, TaskRecord& record, const std::u32string& code) {
+    const auto entry = table.byCode.find(code);
     if (entry == table.byCode.end()) {
         return;
     }
@@ -193,7 +198,7 @@ void TaskTable_Load() {
         record.isLeaf = Outline_IsLeaf(record);
         record.groupIndex = GroupIndex(record.wbsNo, settings);
         table.byWbs.Add(record.wbsNo, &record);
-        IndexCode(table, record);
+        IndexCode(table, record, CodeKey(record));
     }
 }
 
@@ -222,13 +227,17 @@ void TaskRecord_ReadRow(TaskRecord& record) {
     const auto number = [&](std::int64_t column) { return row.Number(0, column - left); };
 
     // The name decides the task's code: the index moves the record to its new code.
+    // A code that stays keeps its place: tasks share a code (every task without one shares the
+    // empty code), and taking a task out of a long list of them and putting it back on every
+    // reading made reading a table grow with the square of its tasks.
     const bool indexed = InTable(record);
-    if (indexed) {
-        UnindexCode(EngineTasks(), record);
-    }
+    const std::u32string oldCode = indexed ? CodeKey(record) : std::u32string();
     BstrSet(record.nameCell, wide(nameColumn));
     if (indexed) {
-        IndexCode(EngineTasks(), record);
+        if (std::u32string code = CodeKey(record); code != oldCode) {
+            UnindexCode(EngineTasks(), record, oldCode);
+            IndexCode(EngineTasks(), record, code);
+        }
     }
     BstrSet(record.typeCell, wide(settings.taskTypeColNo));
     BstrSet(record.resourceCell, wide(settings.resourceColNo));

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <functional>
 #include <vector>
 
 #include "sheethost/model.h"
@@ -149,6 +150,62 @@ TEST(CellStoreTest, AChangeByPartEndsAsItsPartsChangedInTurn) {
     EXPECT_EQ(sheet.cells.find({1, 3}), sheet.cells.end());  // between the parts: untouched
     // Cells that lie in the same parts and looked alike share their new format.
     EXPECT_TRUE(CellAt(sheet, 2, 2).style.Shares(CellAt(sheet, 2, 3).style));
+}
+
+// Borders are set a property at a time over the same parts, and a change that would leave every
+// format the last walk left as it is passes over the cells. It must still reach a cell changed
+// since, and must not pass over a change that does something.
+class RepeatedPartChangeTest : public ::testing::Test {
+  protected:
+    RepeatedPartChangeTest() {
+        for (int row = 2; row <= 4; ++row) {
+            for (int column = 2; column <= 4; ++column) CellAt(sheet, row, column).value = 1.0;
+        }
+    }
+
+    // The inside horizontal lines of B2:D4: the bottom of rows 2 and 3, the top of rows 3 and 4.
+    static std::vector<sheethost::StylePart> InsideLines(
+        std::function<void(sheethost::Border&)> how) {
+        const auto side = [how](std::size_t slot) {
+            return [how, slot](Style& style) { how(style.borders[slot]); };
+        };
+        return {{Area{2, 2, 3, 4}, side(kBottom)}, {Area{3, 2, 4, 4}, side(kTop)}};
+    }
+    static constexpr std::size_t kTop = 3;
+    static constexpr std::size_t kBottom = 4;
+
+    const sheethost::Border& Top(int row, int column) {
+        return CellAt(sheet, row, column).style->borders[kTop];
+    }
+
+    Sheet sheet;
+};
+
+TEST_F(RepeatedPartChangeTest, APropertyThatChangesSomethingIsApplied) {
+    sheethost::ChangeStyleByPart(sheet, InsideLines([](auto& b) { b.lineStyle = 1; }));
+    sheethost::ChangeStyleByPart(sheet, InsideLines([](auto& b) { b.weight = -4138; }));
+    EXPECT_EQ(Top(3, 3).lineStyle, 1);
+    EXPECT_EQ(Top(4, 2).weight, -4138);
+    EXPECT_EQ(Top(2, 2).lineStyle, sheethost::xl::kNone);  // the top row's top is an edge
+}
+
+TEST_F(RepeatedPartChangeTest, ACellChangedSinceTheLastWalkIsReached) {
+    sheethost::ChangeStyleByPart(sheet, InsideLines([](auto& b) { b.lineStyle = 1; }));
+    // The weight the lines already have: nothing to do, unless a cell changed meanwhile.
+    sheethost::ChangeStyleByPart(sheet, InsideLines([](auto& b) { b.weight = 2; }));
+    CellAt(sheet, 3, 3).style.Edit().borders[kTop].weight = -4138;
+    sheethost::ChangeStyleByPart(sheet, InsideLines([](auto& b) { b.weight = 2; }));
+    EXPECT_EQ(Top(3, 3).weight, 2);
+
+    // The same over a sheet that took each change in turn, cell by cell.
+    Sheet inTurn;
+    for (int row = 2; row <= 4; ++row) {
+        for (int column = 2; column <= 4; ++column) CellAt(inTurn, row, column).value = 1.0;
+    }
+    for (const auto& part : InsideLines([](auto& b) { b.lineStyle = 1; })) {
+        sheethost::ChangeStyle(inTurn, {part.cells}, part.change);
+    }
+    EXPECT_EQ(sheet.cells, inTurn.cells);
 }
 
 }  // namespace
