@@ -29,15 +29,45 @@ void Drop(Index& index, const Key& key, const Shape& shape) {
 }  // namespace
 
 ShapeList::ShapeList(const ShapeList& other) {
-    for (const Pointer& shape : other.stack_) push_back(shape);
+    for (const Pointer& shape : other.stack_) push_back(std::make_shared<Shape>(*shape));
 }
 
 ShapeList& ShapeList::operator=(const ShapeList& other) {
     if (this != &other) {
         clear();
-        for (const Pointer& shape : other.stack_) push_back(shape);
+        for (const Pointer& shape : other.stack_) push_back(std::make_shared<Shape>(*shape));
     }
     return *this;
+}
+
+ShapeList::ShapeList(ShapeList&& other) noexcept
+    : stack_(std::move(other.stack_)),
+      byName_(std::move(other.byName_)),
+      byId_(std::move(other.byId_)),
+      gluedTo_(std::move(other.gluedTo_)) {
+    MarkShapes(this);
+    other.clear();
+}
+
+ShapeList& ShapeList::operator=(ShapeList&& other) noexcept {
+    if (this != &other) {
+        MarkShapes(nullptr);
+        stack_ = std::move(other.stack_);
+        byName_ = std::move(other.byName_);
+        byId_ = std::move(other.byId_);
+        gluedTo_ = std::move(other.gluedTo_);
+        MarkShapes(this);
+        other.clear();
+    }
+    return *this;
+}
+
+ShapeList::~ShapeList() {
+    MarkShapes(nullptr);
+}
+
+void ShapeList::MarkShapes(const void* list) {
+    for (const Pointer& shape : stack_) shape->onList.list = list;
 }
 
 const ShapeList::Pointer& ShapeList::push_back(Pointer shape) {
@@ -46,11 +76,11 @@ const ShapeList::Pointer& ShapeList::push_back(Pointer shape) {
 }
 
 void ShapeList::clear() {
+    MarkShapes(nullptr);
     stack_.clear();
     gluedTo_.clear();
     byName_.clear();
     byId_.clear();
-    held_.clear();
 }
 
 void ShapeList::erase(const Shape& shape) {
@@ -70,18 +100,18 @@ void ShapeList::move(std::size_t from, std::size_t to) {
 }
 
 void ShapeList::Rename(Shape& shape, std::string name) {
-    const auto bucket = byName_.find(NameKey(shape.name));
+    const auto entry = Holds(shape) ? NameEntry(shape) : byName_.end();
     shape.name = std::move(name);
-    if (bucket == byName_.end()) return;  // not on this sheet
-    std::vector<Pointer>& named = bucket->second;
-    const auto found = std::find_if(named.begin(), named.end(), [&](const Pointer& candidate) {
-        return candidate.get() == &shape;
-    });
-    if (found == named.end()) return;
-    Pointer held = *found;
-    named.erase(found);
-    if (named.empty()) byName_.erase(bucket);
-    byName_[NameKey(held->name)].push_back(std::move(held));
+    if (entry == byName_.end()) return;  // not on this sheet
+    Pointer held = std::move(entry->second);
+    byName_.erase(entry);
+    byName_.emplace(NameKey(held->name), std::move(held));
+}
+
+ShapeList::ByName::iterator ShapeList::NameEntry(const Shape& shape) {
+    auto [entry, last] = byName_.equal_range(NameKey(shape.name));
+    while (entry != last && entry->second.get() != &shape) ++entry;
+    return entry == last ? byName_.end() : entry;
 }
 
 void ShapeList::Glue(Shape& connector, ConnectorEndOf end, std::optional<ConnectorEnd> glue) {
@@ -104,8 +134,12 @@ std::vector<ShapeList::Pointer> ShapeList::GluedTo(int id) const {
 }
 
 ShapeList::Pointer ShapeList::Named(std::string_view name) const {
-    const auto found = byName_.find(NameKey(name));
-    return found == byName_.end() ? nullptr : Backmost(found->second);
+    const auto [first, last] = byName_.equal_range(NameKey(name));
+    if (first == last) return nullptr;
+    if (std::next(first) == last) return first->second;
+    std::vector<Pointer> candidates;
+    for (auto entry = first; entry != last; ++entry) candidates.push_back(entry->second);
+    return Backmost(candidates);
 }
 
 ShapeList::Pointer ShapeList::WithId(int id) const {
@@ -144,16 +178,16 @@ void ShapeList::UnindexGlue(const Shape& shape) {
 
 void ShapeList::Index(const Pointer& shape) {
     IndexGlue(shape);
-    byName_[NameKey(shape->name)].push_back(shape);
+    byName_.emplace(NameKey(shape->name), shape);
     byId_[shape->id].push_back(shape);
-    held_.insert(shape.get());
+    shape->onList.list = this;
 }
 
 void ShapeList::Unindex(const Shape& shape) {
     UnindexGlue(shape);
-    Drop(byName_, NameKey(shape.name), shape);
+    if (const auto entry = NameEntry(shape); entry != byName_.end()) byName_.erase(entry);
     Drop(byId_, shape.id, shape);
-    held_.erase(&shape);
+    shape.onList.list = nullptr;
 }
 
 ShapeList::Pointer ShapeList::Backmost(const std::vector<Pointer>& candidates) const {

@@ -12,7 +12,6 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
-#include <unordered_set>
 #include <vector>
 
 #include "sheethost/shape_model.h"
@@ -26,10 +25,12 @@ class ShapeList {
     using Stack = std::deque<Pointer>;
 
     ShapeList() = default;
+    // A copy holds copies of the shapes: a shape is on one list at a time.
     ShapeList(const ShapeList& other);
     ShapeList& operator=(const ShapeList& other);
-    ShapeList(ShapeList&&) noexcept = default;
-    ShapeList& operator=(ShapeList&&) noexcept = default;
+    ShapeList(ShapeList&& other) noexcept;
+    ShapeList& operator=(ShapeList&& other) noexcept;
+    ~ShapeList();
 
     Stack::const_iterator begin() const { return stack_.begin(); }
     Stack::const_iterator end() const { return stack_.end(); }
@@ -55,7 +56,7 @@ class ShapeList {
     // shape names; of that id; null when there is none.
     Pointer Named(std::string_view name) const;
     Pointer WithId(int id) const;
-    bool Holds(const Shape& shape) const { return held_.contains(&shape); }
+    bool Holds(const Shape& shape) const { return shape.onList.list == this; }
     // 0-based z-order position, -1 when the shape is not on the sheet.
     std::ptrdiff_t IndexOf(const Shape& shape) const;
     int LastId() const { return byId_.empty() ? 0 : byId_.rbegin()->first; }
@@ -63,22 +64,24 @@ class ShapeList {
     std::vector<Pointer> GluedTo(int id) const;
 
   private:
+    using ByName = std::unordered_multimap<std::string, Pointer>;
+
     Pointer PointerTo(const Shape& shape) const;
+    // Marks the shapes as on this list (or on none).
+    void MarkShapes(const void* list);
     void Index(const Pointer& shape);
     void IndexGlue(const Pointer& shape);
     void UnindexGlue(const Shape& shape);
     void Unindex(const Shape& shape);
+    // The shape's entry in the index by name, or the end.
+    ByName::iterator NameEntry(const Shape& shape);
     // The first of `candidates` in z-order.
     Pointer Backmost(const std::vector<Pointer>& candidates) const;
 
     Stack stack_;
-    std::unordered_map<std::string, std::vector<Pointer>> byName_;  // lower-case names
+    ByName byName_;  // lower-case names; a shape per entry, as names are seldom shared
     std::map<int, std::vector<Pointer>> byId_;               // ordered: the last id is the largest
     std::unordered_map<int, std::vector<Pointer>> gluedTo_;  // by the id each end is glued to
-    // Every call on a shape first asks whether it is still on its sheet: a hashed set answers
-    // in a fetch or two where the ordered index by id walked a path as long as the log of the
-    // shapes, each step a fetch of its own once the shapes outgrew the cache.
-    std::unordered_set<const Shape*> held_;
 };
 
 }  // namespace sheethost

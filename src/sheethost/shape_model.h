@@ -138,6 +138,21 @@ struct FreeformNode {
     bool operator==(const FreeformNode&) const = default;
 };
 
+// The shape list a shape is on, set by the list: every call on a shape first asks whether it is
+// still on its sheet, and a mark on the shape answers without a look-up in an index of tens of
+// thousands of shapes. A copy of a shape is on no list; the mark takes no part in comparisons.
+class ShapeListMark {
+  public:
+    ShapeListMark() = default;
+    ShapeListMark(const ShapeListMark&) {}
+    ShapeListMark& operator=(const ShapeListMark&) { return *this; }
+    ~ShapeListMark() = default;
+    bool operator==(const ShapeListMark&) const { return true; }
+
+    // Set through the list's own handles, which may be const.
+    mutable const void* list = nullptr;
+};
+
 struct Shape {
     // Unique on its sheet (a new shape takes one more than the largest id there); it also numbers
     // the default names, as in "Rectangle 3".
@@ -167,6 +182,7 @@ struct Shape {
     std::optional<ConnectorEnd> endConnection;
     // The outline of a freeform, in sheet points.
     std::vector<FreeformNode> nodes;
+    ShapeListMark onList;
 
     bool operator==(const Shape&) const = default;
 };

@@ -75,7 +75,13 @@ std::u32string CodeKey(const TaskRecord& record) {
     return values::FoldedText(TaskNameHead(record));
 }
 
+// Tasks without a code (a name not yet read, or one that starts with a separator) are not
+// indexed: they would all share one list, and each task read afterwards would leave it with a scan
+// of the tasks behind it. The rare look-up of the empty code walks the tasks instead.
 void IndexCode(TaskTable& table, TaskRecord& record, const std::u32string& code) {
+    if (code.empty()) {
+        return;
+    }
     auto& tasks = table.byCode[code];
     const auto at = std::ranges::upper_bound(tasks, record.row, {}, &TaskRecord::row);
     tasks.insert(at, &record);
@@ -227,9 +233,8 @@ void TaskRecord_ReadRow(TaskRecord& record) {
     const auto number = [&](std::int64_t column) { return row.Number(0, column - left); };
 
     // The name decides the task's code: the index moves the record to its new code.
-    // A code that stays keeps its place: tasks share a code (every task without one shares the
-    // empty code), and taking a task out of a long list of them and putting it back on every
-    // reading made reading a table grow with the square of its tasks.
+    // A code that stays keeps its place: taking a task out of the list of the tasks that share
+    // its code and putting it back on every reading scanned the list each time.
     const bool indexed = InTable(record);
     const std::u32string oldCode = indexed ? CodeKey(record) : std::u32string();
     BstrSet(record.nameCell, wide(nameColumn));
@@ -285,6 +290,14 @@ TaskRecord* Tasks_ByWbs(std::string_view wbsText) {
 }
 
 TaskRecord* Tasks_ByCode(std::string_view code) {
+    if (code.empty()) {
+        for (TaskRecord* task = Tasks_First(); task != nullptr; task = Tasks_Next(*task)) {
+            if (TaskNameHead(*task).empty()) {
+                return task;
+            }
+        }
+        return nullptr;
+    }
     const auto& byCode = EngineTasks().byCode;
     const auto entry = byCode.find(values::FoldedText(code));
     return entry == byCode.end() ? nullptr : entry->second.front();

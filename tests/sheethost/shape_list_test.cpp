@@ -53,7 +53,14 @@ TEST(ShapeList, IdsAndGlueFollowTheShapesThatComeAndGo) {
     shapes.erase(*top);
     EXPECT_EQ(shapes.LastId(), 3);
     EXPECT_EQ(copy.LastId(), 9);
-    EXPECT_EQ(copy.Named("b"), top);
+    // A copy holds copies: each list holds its own shapes and not the other's.
+    ASSERT_NE(copy.Named("b"), nullptr);
+    EXPECT_EQ(*copy.Named("b"), *top);
+    EXPECT_TRUE(copy.Holds(*copy.Named("a")));
+    EXPECT_FALSE(shapes.Holds(*copy.Named("a")));
+    EXPECT_FALSE(copy.Holds(*shapes.Named("a")));
+    ShapeList moved = std::move(copy);
+    EXPECT_TRUE(moved.Holds(*moved.Named("b")));
     // Both ends on one shape: the connector is named once; loosened, it is named no more.
     auto connector = Made(10, "Link");
     connector->beginConnection = sheethost::ConnectorEnd{3, 1};
