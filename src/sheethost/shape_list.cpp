@@ -8,15 +8,6 @@
 namespace sheethost {
 namespace {
 
-// The key of a name in the index: SameName compares letters A to Z without regard to case.
-std::string NameKey(std::string_view name) {
-    std::string key(name);
-    for (char& c : key) {
-        if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-    }
-    return key;
-}
-
 template <class Index, class Key>
 void Drop(Index& index, const Key& key, const Shape& shape) {
     const auto found = index.find(key);
@@ -100,18 +91,9 @@ void ShapeList::move(std::size_t from, std::size_t to) {
 }
 
 void ShapeList::Rename(Shape& shape, std::string name) {
-    const auto entry = Holds(shape) ? NameEntry(shape) : byName_.end();
+    Pointer held = Holds(shape) ? byName_.Remove(shape) : nullptr;
     shape.name = std::move(name);
-    if (entry == byName_.end()) return;  // not on this sheet
-    Pointer held = std::move(entry->second);
-    byName_.erase(entry);
-    byName_.emplace(NameKey(held->name), std::move(held));
-}
-
-ShapeList::ByName::iterator ShapeList::NameEntry(const Shape& shape) {
-    auto [entry, last] = byName_.equal_range(NameKey(shape.name));
-    while (entry != last && entry->second.get() != &shape) ++entry;
-    return entry == last ? byName_.end() : entry;
+    if (held != nullptr) byName_.Add(held);
 }
 
 void ShapeList::Glue(Shape& connector, ConnectorEndOf end, std::optional<ConnectorEnd> glue) {
@@ -134,12 +116,18 @@ std::vector<ShapeList::Pointer> ShapeList::GluedTo(int id) const {
 }
 
 ShapeList::Pointer ShapeList::Named(std::string_view name) const {
-    const auto [first, last] = byName_.equal_range(NameKey(name));
-    if (first == last) return nullptr;
-    if (std::next(first) == last) return first->second;
-    std::vector<Pointer> candidates;
-    for (auto entry = first; entry != last; ++entry) candidates.push_back(entry->second);
-    return Backmost(candidates);
+    Pointer first;
+    std::vector<Pointer> more;  // names are seldom shared
+    byName_.ForEachNamed(name, [&](const Pointer& shape) {
+        if (first == nullptr) {
+            first = shape;
+        } else {
+            more.push_back(shape);
+        }
+    });
+    if (more.empty()) return first;
+    more.push_back(first);
+    return Backmost(more);
 }
 
 ShapeList::Pointer ShapeList::WithId(int id) const {
@@ -178,14 +166,14 @@ void ShapeList::UnindexGlue(const Shape& shape) {
 
 void ShapeList::Index(const Pointer& shape) {
     IndexGlue(shape);
-    byName_.emplace(NameKey(shape->name), shape);
+    byName_.Add(shape);
     byId_[shape->id].push_back(shape);
     shape->onList.list = this;
 }
 
 void ShapeList::Unindex(const Shape& shape) {
     UnindexGlue(shape);
-    if (const auto entry = NameEntry(shape); entry != byName_.end()) byName_.erase(entry);
+    byName_.Remove(shape);
     Drop(byId_, shape.id, shape);
     shape.onList.list = nullptr;
 }

@@ -15,6 +15,7 @@
 #include <vector>
 
 #include "sheethost/shape_model.h"
+#include "sheethost/shape_names.h"
 
 namespace sheethost {
 
@@ -64,8 +65,6 @@ class ShapeList {
     std::vector<Pointer> GluedTo(int id) const;
 
   private:
-    using ByName = std::unordered_multimap<std::string, Pointer>;
-
     Pointer PointerTo(const Shape& shape) const;
     // Marks the shapes as on this list (or on none).
     void MarkShapes(const void* list);
@@ -73,13 +72,11 @@ class ShapeList {
     void IndexGlue(const Pointer& shape);
     void UnindexGlue(const Shape& shape);
     void Unindex(const Shape& shape);
-    // The shape's entry in the index by name, or the end.
-    ByName::iterator NameEntry(const Shape& shape);
     // The first of `candidates` in z-order.
     Pointer Backmost(const std::vector<Pointer>& candidates) const;
 
     Stack stack_;
-    ByName byName_;  // lower-case names; a shape per entry, as names are seldom shared
+    ShapeNames byName_;
     std::map<int, std::vector<Pointer>> byId_;               // ordered: the last id is the largest
     std::unordered_map<int, std::vector<Pointer>> gluedTo_;  // by the id each end is glued to
 };

@@ -5,6 +5,7 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace {
 
@@ -75,6 +76,38 @@ TEST(ShapeList, IdsAndGlueFollowTheShapesThatComeAndGo) {
     EXPECT_TRUE(shapes.GluedTo(9).empty());
     shapes.clear();
     EXPECT_EQ(shapes.LastId(), 0);
+}
+
+// Thousands of shapes come and go, as a chart's redraw makes and deletes them, under names many
+// of them share: each shape left is found by its name, in any case, and none taken off is.
+TEST(ShapeList, EveryShapeLeftIsFoundByNameAfterManyComeAndGo) {
+    ShapeList shapes;
+    std::vector<ShapeList::Pointer> made;
+    for (int id = 1; id <= 3000; ++id) {
+        made.push_back(shapes.push_back(Made(id, "Bar " + std::to_string(id % 1000))));
+    }
+    for (int k = 0; k < 3000; k += 3) shapes.erase(*made[static_cast<std::size_t>(k)]);
+    for (int k = 1; k < 3000; k += 3) {
+        shapes.Rename(*made[static_cast<std::size_t>(k)], "LABEL " + std::to_string(k));
+    }
+    for (int k = 0; k < 3000; ++k) {
+        const Shape& shape = *made[static_cast<std::size_t>(k)];
+        if (k % 3 == 0) {
+            EXPECT_FALSE(shapes.Holds(shape));
+            continue;
+        }
+        const auto found = shapes.Named(k % 3 == 1 ? "label " + std::to_string(k) : shape.name);
+        ASSERT_NE(found, nullptr) << k;
+        // A shared name finds the backmost of the shapes that bear it.
+        if (k % 3 == 2) {
+            EXPECT_EQ(found->id % 1000, shape.id % 1000);
+            EXPECT_LE(found->id, shape.id);
+        } else {
+            EXPECT_EQ(found.get(), &shape);
+        }
+    }
+    // Of ids 1000, 2000 and 3000, the first was taken off and the second renamed.
+    EXPECT_EQ(shapes.Named("bar 0")->id, 3000);
 }
 
 }  // namespace
