@@ -17,9 +17,11 @@
 namespace xlsx {
 namespace {
 
-// zlib's usual level, asked for by name: left to its default, the archive library took twice as
-// long over a large sheet for the same bytes.
-constexpr zip_uint32_t kDeflateLevel = 6;
+// zlib's fast levels match strings without looking one byte further for a longer match. A
+// large task sheet is saved in 60 % of the time of zlib's usual level 6, for a file a quarter
+// larger (1.8 MB instead of 1.45 MB at 10,000 tasks); the usual level's search also grew faster
+// than the sheet. Left to its default, the archive library took longer still.
+constexpr zip_uint32_t kDeflateLevel = 2;
 
 struct ArchiveCloser {
     void operator()(zip_t* archive) const { zip_discard(archive); }
