@@ -21,7 +21,7 @@
 #include <utility>
 #include <vector>
 
-#include "sheethost/contents_generation.h"
+#include "sheethost/any_cell_changes.h"
 
 namespace sheethost {
 

@@ -5,7 +5,7 @@
 #include <cmath>
 
 #include "com/text.h"
-#include "sheethost/contents_generation.h"
+#include "sheethost/any_cell_changes.h"
 #include "sheethost/dispatch_object.h"
 #include "values/values.h"
 

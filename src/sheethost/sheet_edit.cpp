@@ -264,8 +264,10 @@ class PartChanges {
     // The formats the changes have left cells in, with the parts of each.
     std::vector<PartWalkMemo::Result> Results() const {
         std::vector<PartWalkMemo::Result> results;
-        for (const auto& [mask, change] : changes_) {
-            change.ForEachResult([&](const SharedStyle& style) {
+        // Named members rather than a structured binding: older compilers cannot capture bindings.
+        for (const auto& entry : changes_) {
+            const std::uint32_t mask = entry.first;
+            entry.second.ForEachResult([&](const SharedStyle& style) {
                 results.push_back({mask, style});
             });
         }
