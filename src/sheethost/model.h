@@ -303,10 +303,7 @@ class PartWalkMemo {
     };
     PartWalkMemo() = default;
     PartWalkMemo(std::vector<Area> parts, std::uint64_t cellChanges, std::vector<Result> results)
-        : valid_(true),
-          parts_(std::move(parts)),
-          cellChanges_(cellChanges),
-          results_(std::move(results)) {}
+        : parts_(std::move(parts)), cellChanges_(cellChanges), results_(std::move(results)) {}
     // A sheet copied walks anew.
     PartWalkMemo(const PartWalkMemo&) {}
     PartWalkMemo& operator=(const PartWalkMemo& other) {
@@ -318,14 +315,14 @@ class PartWalkMemo {
     ~PartWalkMemo() = default;
 
     // The formats the last walk left, when it walked `parts` and the cells are as it left them;
-    // else null.
+    // else null. A memo of no walk has no parts, and no walk by parts has none.
     const std::vector<Result>* LeftIn(const std::vector<Area>& parts,
                                       std::uint64_t cellChanges) const {
-        return valid_ && parts == parts_ && cellChanges == cellChanges_ ? &results_ : nullptr;
+        return !parts_.empty() && parts == parts_ && cellChanges == cellChanges_ ? &results_
+                                                                                 : nullptr;
     }
 
   private:
-    bool valid_ = false;
     std::vector<Area> parts_;
     std::uint64_t cellChanges_ = 0;
     std::vector<Result> results_;

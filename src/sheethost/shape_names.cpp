@@ -20,19 +20,20 @@ void ShapeNames::Grow() {
     std::vector<Slot> old =
         std::exchange(slots_, std::vector<Slot>(std::max<std::size_t>(64, 2 * slots_.size())));
     for (Slot& slot : old) {
-        if (slot.shape == nullptr) continue;
-        std::size_t at = Home(slot.hash);
-        while (slots_[at].shape != nullptr) at = (at + 1) & (slots_.size() - 1);
-        slots_[at] = std::move(slot);
+        if (slot.shape != nullptr) slots_[FreeSlot(slot.hash)] = std::move(slot);
     }
+}
+
+std::size_t ShapeNames::FreeSlot(std::size_t hash) const {
+    std::size_t at = Home(hash);
+    while (slots_[at].shape != nullptr) at = (at + 1) & (slots_.size() - 1);
+    return at;
 }
 
 void ShapeNames::Add(const Pointer& shape) {
     if (2 * (used_ + 1) > slots_.size()) Grow();
     const std::size_t hash = Hash(shape->name);
-    std::size_t at = Home(hash);
-    while (slots_[at].shape != nullptr) at = (at + 1) & (slots_.size() - 1);
-    slots_[at] = Slot{hash, shape};
+    slots_[FreeSlot(hash)] = Slot{hash, shape};
     ++used_;
 }
 

@@ -46,6 +46,8 @@ class ShapeNames {
     static std::size_t Hash(std::string_view name);
     static bool SameNameAs(const Shape& shape, std::string_view name);
     std::size_t Home(std::size_t hash) const { return hash & (slots_.size() - 1); }
+    // The first empty slot from the hash's home on.
+    std::size_t FreeSlot(std::size_t hash) const;
     void Grow();
 
     std::vector<Slot> slots_;  // a power of two of them, at most half full, probed in turn
