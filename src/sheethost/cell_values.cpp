@@ -47,7 +47,10 @@ void SetConstant(Sheet& sheet, int row, int column, Value value, bool quotePrefi
 
 void GiveFormatIfGeneral(Sheet& sheet, int row, int column, const std::string& format) {
     Cell& cell = CellAt(sheet, row, column);
-    if (cell.style->numberFormat == "General") cell.style.Edit().numberFormat = format;
+    if (cell.style->numberFormat != "General") return;
+    SharedStyle formatted = cell.style;
+    formatted.Edit().numberFormat = format;
+    cell.style = sheet.recentStyles.Share(std::move(formatted));
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 
 namespace sheethost {
 namespace {
@@ -22,6 +23,18 @@ SharedStyle::SharedStyle() : SharedStyle(DefaultStyle()) {}
 Style& SharedStyle::Edit() {
     if (style_.use_count() > 1) style_ = std::make_shared<Style>(*style_);
     return *style_;
+}
+
+SharedStyle RecentStyles::Share(SharedStyle made) {
+    // Newest first, and a format found again becomes the newest: the formats a change makes row
+    // after row stay, while formats made once pass through.
+    auto found = std::find(kept_.begin(), kept_.end(), made);
+    if (found == kept_.end()) {
+        found = std::prev(kept_.end());
+        *found = std::move(made);
+    }
+    std::rotate(kept_.begin(), found, std::next(found));
+    return kept_.front();
 }
 
 const SharedStyle* RowStyle(const Sheet& sheet, int row) {

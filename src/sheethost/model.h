@@ -159,6 +159,20 @@ class SharedStyle {
     std::shared_ptr<Style> style_;
 };
 
+// The formats that changes have made lately on a sheet. A change that makes a format equal to
+// one of them shares that copy: a column styled one cell at a time, or typed into with dates that
+// each give their cell a date format, otherwise holds one copy per cell, and every later change
+// of a block of those cells makes a new copy per cell again, one per cell for every change.
+class RecentStyles {
+  public:
+    // `made`, or the equal format made lately.
+    SharedStyle Share(SharedStyle made);
+
+  private:
+    static constexpr std::size_t kKept = 8;
+    std::array<SharedStyle, kKept> kept_;  // the newest first
+};
+
 // A cell's formula text, kept apart from the cell record: most cells hold none, and records that
 // stay small keep more of a large sheet's rows in the processor's cache.
 class FormulaText {
@@ -348,6 +362,7 @@ struct Sheet {
     // Kept by the formula evaluation, which reads the sheet as const.
     mutable FormulaResults formulaResults;
     PartWalkMemo lastPartWalk;
+    RecentStyles recentStyles;
 };
 
 // A chart that stands as a sheet of its own, as Charts.Add makes it, until Location moves it

@@ -52,7 +52,8 @@ namespace {
 // change leaves as it was is kept, and its cells are not written to.
 class StyleChange {
   public:
-    explicit StyleChange(std::function<void(Style&)> change) : change_(std::move(change)) {}
+    StyleChange(std::function<void(Style&)> change, RecentStyles& recent)
+        : change_(std::move(change)), recent_(recent) {}
 
     void operator()(SharedStyle& style) {
         // Neighbouring cells mostly share a format: the last one changed is tried first.
@@ -72,12 +73,13 @@ class StyleChange {
         if (const auto done = done_.find(key); done != done_.end()) return done->second;
         SharedStyle changed = style;
         change_(changed.Edit());
-        if (changed == *style) changed = style;
+        changed = changed == *style ? style : recent_.Share(std::move(changed));
         // The old copy is held so that its address names no other format meanwhile.
         return done_.emplace(key, std::pair{style, std::move(changed)}).first->second;
     }
 
     std::function<void(Style&)> change_;
+    RecentStyles& recent_;
     std::unordered_map<const Style*, std::pair<SharedStyle, SharedStyle>> done_;
     const std::pair<SharedStyle, SharedStyle>* last_ = nullptr;
 };
@@ -243,7 +245,8 @@ class PartChanges {
   public:
     static constexpr std::size_t kMostParts = 32;
 
-    explicit PartChanges(const std::vector<StylePart>& parts) : parts_(parts) {}
+    PartChanges(const std::vector<StylePart>& parts, RecentStyles& recent)
+        : parts_(parts), recent_(recent) {}
 
     // The parts that hold row `row` (or, for columns, column `column`).
     std::uint32_t RowMask(int row) const {
@@ -257,7 +260,8 @@ class PartChanges {
     StyleChange* For(std::uint32_t mask) {
         if (mask == 0) return nullptr;
         auto found = changes_.find(mask);
-        if (found == changes_.end()) found = changes_.try_emplace(mask, InTurn(mask)).first;
+        if (found == changes_.end())
+            found = changes_.try_emplace(mask, InTurn(mask), recent_).first;
         return &found->second;
     }
 
@@ -302,6 +306,7 @@ class PartChanges {
     }
 
     const std::vector<StylePart>& parts_;
+    RecentStyles& recent_;
     std::unordered_map<std::uint32_t, StyleChange> changes_;
 };
 
@@ -340,7 +345,7 @@ double CellsStyledBy(const Sheet& sheet, const std::vector<Area>& areas) {
 void ChangeStyle(Sheet& sheet, const std::vector<Area>& areas,
                  const std::function<void(Style&)>& how) {
     if (CellsStyledBy(sheet, areas) > kMostCellsStyledAtOnce) throw std::bad_alloc();
-    StyleChange change(how);
+    StyleChange change(how, sheet.recentStyles);
     for (const Area& area : areas) {
         if (area.WholeColumns() && area.WholeRows()) {
             ChangeSheet(sheet, change);
@@ -370,7 +375,7 @@ void ChangeStyleByPart(Sheet& sheet, const std::vector<StylePart>& parts) {
     for (const StylePart& part : parts) areas.push_back(part.cells);
     if (CellsStyledBy(sheet, areas) > kMostCellsStyledAtOnce) throw std::bad_alloc();
     const Area bounds = Bounds(parts);
-    PartChanges changes(parts);
+    PartChanges changes(parts, sheet.recentStyles);
     if (const auto* left = sheet.lastPartWalk.LeftIn(areas, sheet.cells.Changes())) {
         if (changes.Leave(*left)) return;
     }

@@ -7,6 +7,7 @@
 #include <functional>
 #include <vector>
 
+#include "sheethost/cell_values.h"
 #include "sheethost/model.h"
 #include "sheethost/sheet_edit.h"
 
@@ -117,6 +118,35 @@ TEST(CellStoreTest, ASharedFormatIsCopiedBeforeOneCellChangesIt) {
     // Back to the default, the cells hold nothing of their own and are dropped.
     sheethost::ClearFormats(sheet, {Area{1, 1, 3, 3}});
     EXPECT_TRUE(sheet.cells.empty());
+}
+
+// A column formatted one cell at a time, or typed into with dates, must end with one copy of each
+// format: a copy per cell made every later change of the block copy every cell again.
+TEST(CellStoreTest, FormatsMadeOneCellAtATimeAreShared) {
+    Sheet sheet;
+    for (int row = 1; row <= 40; ++row) {
+        // Rows alternate between two formats, and between them other formats come and go.
+        sheethost::ChangeStyle(sheet, {Area{row, 1, row, 1}}, [row](Style& style) {
+            style.interior.colorIndex = row % 2 == 0 ? 3 : 4;
+        });
+        sheethost::ChangeStyle(sheet, {Area{row, 5, row, 5}},
+                               [row](Style& style) { style.font.size = row; });
+        ASSERT_TRUE(
+            sheethost::TypeIntoCell(sheet, row, 2, "2024/4/" + std::to_string(row % 28 + 1)));
+    }
+    for (int row = 3; row <= 40; ++row) {
+        EXPECT_TRUE(CellAt(sheet, row, 1).style.Shares(CellAt(sheet, row - 2, 1).style)) << row;
+        EXPECT_FALSE(CellAt(sheet, row, 1).style.Shares(CellAt(sheet, row - 1, 1).style)) << row;
+        EXPECT_TRUE(CellAt(sheet, row, 2).style.Shares(CellAt(sheet, 1, 2).style)) << row;
+    }
+    EXPECT_EQ(CellAt(sheet, 40, 1).style->interior.colorIndex, 3);
+    EXPECT_EQ(CellAt(sheet, 39, 1).style->interior.colorIndex, 4);
+    EXPECT_EQ(CellAt(sheet, 40, 2).style->numberFormat, "yyyy/m/d");
+    EXPECT_EQ(CellAt(sheet, 40, 5).style->font.size, 40);
+
+    // A shared copy is still copied before one cell changes it.
+    CellAt(sheet, 4, 2).style.Edit().font.italic = true;
+    EXPECT_FALSE(CellAt(sheet, 6, 2).style->font.italic);
 }
 
 // Borders change the cells on both sides of an edge in one walk: the outcome must be that of
