@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <climits>
 #include <cstddef>
 #include <cstdint>
@@ -87,19 +88,32 @@ class CellStore {
         Iterator(Store* store, int row, std::size_t at, RowOf* cells)
             : store_(store), cells_(cells), row_(row), at_(at) {}
 
+        // Mostly the place asked for holds a cell. Otherwise the rows and blocks of rows that
+        // hold none are passed over by their marks: a walk down a column of a sheet with a cell at
+        // its top and one at its bottom otherwise asked every row and block in between at each
+        // step.
         void Settle(int row, std::size_t at) {
-            for (; row <= store_->lastRow_; ++row, at = 0) {
-                RowOf* cells = store_->RowCells(row);
-                if (cells != nullptr && at < cells->size()) {
-                    cells_ = cells;
-                    row_ = row;
-                    at_ = at;
-                    return;
+            if (RowOf* cells = store_->RowCells(row); cells != nullptr && at < cells->size()) {
+                cells_ = cells;
+                row_ = row;
+                at_ = at;
+                return;
+            }
+            std::size_t chunk = ChunkOf(row);
+            std::size_t slot = SlotOf(row) + 1;
+            while (chunk < store_->chunks_.size()) {
+                if (store_->ChunkHoldsCells(chunk)) {
+                    Chunk& held = *store_->chunks_[chunk];
+                    const std::size_t filled = NextMarked(held.filledRows, slot);
+                    if (filled < kRowsPerChunk) {
+                        cells_ = &held.rows[filled];
+                        row_ = static_cast<int>(chunk * kRowsPerChunk + filled) + 1;
+                        at_ = 0;
+                        return;
+                    }
                 }
-                // A missing block of rows is passed over at once.
-                if (store_->chunks_[ChunkOf(row)] == nullptr) {
-                    row = static_cast<int>(ChunkOf(row) + 1) * kRowsPerChunk;
-                }
+                chunk = NextMarked(store_->filledChunks_, chunk + 1);
+                slot = 0;
             }
             *this = Iterator(store_);
         }
@@ -123,6 +137,7 @@ class CellStore {
         for (const auto& chunk : other.chunks_) {
             chunks_.push_back(chunk ? std::make_unique<Chunk>(*chunk) : nullptr);
         }
+        filledChunks_ = other.filledChunks_;
         size_ = other.size_;
         lastRow_ = other.lastRow_;
         return *this;
@@ -132,6 +147,7 @@ class CellStore {
         NoteChange();
         other.NoteChange();
         chunks_ = std::exchange(other.chunks_, {});
+        filledChunks_ = std::exchange(other.filledChunks_, {});
         size_ = std::exchange(other.size_, 0);
         lastRow_ = std::exchange(other.lastRow_, 0);
         return *this;
@@ -153,10 +169,10 @@ class CellStore {
     // once: the answer is kept for the next question.
     int LastRow() const {
         while (lastRow_ > 0) {
-            const std::unique_ptr<Chunk>& chunk = chunks_[ChunkOf(lastRow_)];
-            if (chunk == nullptr) {
-                lastRow_ = static_cast<int>(ChunkOf(lastRow_)) * kRowsPerChunk;
-            } else if (chunk->rows[SlotOf(lastRow_)].empty()) {
+            const std::size_t chunk = ChunkOf(lastRow_);
+            if (!ChunkHoldsCells(chunk)) {
+                lastRow_ = static_cast<int>(chunk) * kRowsPerChunk;
+            } else if (chunks_[chunk]->rows[SlotOf(lastRow_)].empty()) {
                 --lastRow_;
             } else {
                 break;
@@ -228,12 +244,14 @@ class CellStore {
         Row& cells = *at.cells_;
         cells.erase(cells.begin() + static_cast<std::ptrdiff_t>(at.at_));
         --size_;
+        if (cells.empty()) MarkRow(at.row_, false);
         return iterator(this, at.row_, at.at_);
     }
 
     void clear() {
         NoteChange();
         chunks_.clear();
+        filledChunks_.clear();
         size_ = 0;
         lastRow_ = 0;
     }
@@ -254,9 +272,41 @@ class CellStore {
     // Rows up to this many cells are searched from their start: one stream through memory
     // rather than a binary search's jumps, each of which waits for its own fetch.
     static constexpr std::size_t kScannedRowCells = 32;
+    // Marks, one bit each, of the rows of a chunk and of the chunks that hold a cell: a row is
+    // marked exactly when it holds a cell.
+    static constexpr std::size_t kMarkBits = 64;
     struct Chunk {
         std::array<Row, kRowsPerChunk> rows;
+        std::array<std::uint64_t, kRowsPerChunk / kMarkBits> filledRows{};
     };
+
+    // The first marked place at or after `from`, or one past the last place when none is.
+    template <class Marks>
+    static std::size_t NextMarked(const Marks& marks, std::size_t from) {
+        while (from < marks.size() * kMarkBits) {
+            const std::uint64_t word = marks[from / kMarkBits] >> (from % kMarkBits);
+            if (word != 0) return from + static_cast<std::size_t>(std::countr_zero(word));
+            from = (from / kMarkBits + 1) * kMarkBits;
+        }
+        return marks.size() * kMarkBits;
+    }
+    template <class Marks>
+    static void Mark(Marks& marks, std::size_t place, bool on) {
+        const std::uint64_t bit = std::uint64_t{1} << (place % kMarkBits);
+        marks[place / kMarkBits] =
+            on ? marks[place / kMarkBits] | bit : marks[place / kMarkBits] & ~bit;
+    }
+    bool ChunkHoldsCells(std::size_t chunk) const {
+        return chunk < chunks_.size() &&
+               (filledChunks_[chunk / kMarkBits] >> (chunk % kMarkBits) & 1);
+    }
+    // Marks a row as holding cells or not, and its chunk as holding a row that does or not.
+    void MarkRow(int row, bool holdsCells) {
+        Chunk& chunk = *chunks_[ChunkOf(row)];
+        Mark(chunk.filledRows, SlotOf(row), holdsCells);
+        const bool chunkHoldsCells = NextMarked(chunk.filledRows, 0) < kRowsPerChunk;
+        Mark(filledChunks_, ChunkOf(row), chunkHoldsCells);
+    }
 
     static std::size_t ChunkOf(int row) {
         return static_cast<std::size_t>(row - 1) / kRowsPerChunk;
@@ -272,7 +322,10 @@ class CellStore {
     }
     Row& MakeRow(int row) {
         if (row < 1) throw std::out_of_range("no such row");
-        if (ChunkOf(row) >= chunks_.size()) chunks_.resize(ChunkOf(row) + 1);
+        if (ChunkOf(row) >= chunks_.size()) {
+            chunks_.resize(ChunkOf(row) + 1);
+            filledChunks_.resize((chunks_.size() + kMarkBits - 1) / kMarkBits);
+        }
         std::unique_ptr<Chunk>& chunk = chunks_[ChunkOf(row)];
         if (!chunk) chunk = std::make_unique<Chunk>();
         lastRow_ = std::max(lastRow_, row);
@@ -297,6 +350,7 @@ class CellStore {
     iterator Insert(Row& cells, typename Row::iterator place, const CellRef& ref, Cell cell) {
         const auto placed = cells.insert(place, Entry{ref, std::move(cell)});
         ++size_;
+        if (cells.size() == 1) MarkRow(ref.row, true);
         return iterator(this, ref.row, Offset(cells, placed), &cells);
     }
 
@@ -323,6 +377,7 @@ class CellStore {
     }
 
     std::vector<std::unique_ptr<Chunk>> chunks_;
+    std::vector<std::uint64_t> filledChunks_;  // the chunks that hold a cell
     std::size_t size_ = 0;
     mutable int lastRow_ = 0;  // no row past it holds a cell
     std::uint64_t changes_ = 0;

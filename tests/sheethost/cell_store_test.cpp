@@ -5,6 +5,8 @@
 
 #include <algorithm>
 #include <functional>
+#include <initializer_list>
+#include <utility>
 #include <vector>
 
 #include "sheethost/cell_values.h"
@@ -18,6 +20,7 @@ using sheethost::CellAt;
 using sheethost::CellRef;
 using sheethost::Sheet;
 using sheethost::Style;
+using Store = sheethost::CellStore<sheethost::Cell>;
 
 // Every cell of the store is found where a walk meets it, and nothing else is.
 void ExpectFoundAsWalked(const sheethost::CellStore<sheethost::Cell>& cells) {
@@ -93,6 +96,36 @@ TEST(CellStoreTest, CellsAreFoundAndWalkedInOrderAfterEveryChangeCopyAndMove) {
     EXPECT_EQ(assigned, copy);
     assigned[{3, 1}].value = 1.0;
     EXPECT_FALSE(assigned == copy);
+}
+
+// Walks pass over rows and blocks of rows that hold no cell by marks kept on every change: a mark
+// left behind by an erase, a copy or a move would hide cells or stop a walk short.
+TEST(CellStoreTest, WalksPassOverRowsAndBlocksEmptiedBetweenCells) {
+    Store cells;
+    for (int row : {1, 2, 200, 300, 70000, 1048576}) cells[{row, 3}].value = double(row);
+    // Row 2 emptied in a block that still holds cells, the block of row 300 emptied altogether.
+    cells.erase(cells.find({2, 3}));
+    cells.erase(cells.find({300, 3}));
+    cells.ReserveRow(400, 4);  // a row made with room but no cell
+    const Store copy = cells;
+    Store taken = copy;
+    Store moved(std::move(taken));
+    for (const Store* store : std::initializer_list<const Store*>{&cells, &copy, &moved}) {
+        std::vector<int> rows;
+        for (const auto& [ref, cell] : *store) rows.push_back(ref.row);
+        EXPECT_EQ(rows, (std::vector<int>{1, 200, 70000, 1048576}));
+        EXPECT_EQ(store->lower_bound({2, 1})->first, (CellRef{200, 3}));
+        EXPECT_EQ(store->lower_bound({201, 1})->first, (CellRef{70000, 3}));
+        EXPECT_EQ(store->lower_bound({70000, 4})->first, (CellRef{1048576, 3}));
+        ExpectFoundAsWalked(*store);
+    }
+    // A cell back in an emptied block is met again, and the last row follows the last cell.
+    moved[{300, 1}].value = 1.0;
+    EXPECT_EQ(moved.lower_bound({201, 1})->first, (CellRef{300, 1}));
+    moved.erase(moved.find({1048576, 3}));
+    moved.erase(moved.find({70000, 3}));
+    EXPECT_EQ(moved.LastRow(), 300);
+    EXPECT_EQ(moved.lower_bound({301, 1}), moved.end());
 }
 
 TEST(CellStoreTest, ASharedFormatIsCopiedBeforeOneCellChangesIt) {
