@@ -45,6 +45,8 @@ void SetConstant(Sheet& sheet, int row, int column, Value value, bool quotePrefi
     TrimCell(sheet, row, column);
 }
 
+}  // namespace
+
 void GiveFormatIfGeneral(Sheet& sheet, int row, int column, const std::string& format) {
     Cell& cell = CellAt(sheet, row, column);
     if (cell.style->numberFormat != "General") return;
@@ -52,8 +54,6 @@ void GiveFormatIfGeneral(Sheet& sheet, int row, int column, const std::string& f
     formatted.Edit().numberFormat = format;
     cell.style = sheet.recentStyles.Share(std::move(formatted));
 }
-
-}  // namespace
 
 std::string TypedDateFormat(double serial) {
     const double day = std::floor(serial);

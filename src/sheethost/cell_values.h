@@ -91,6 +91,9 @@ std::string CellFormulaText(const Sheet& sheet, int row, int column);
 // The format a General cell takes when the date or time `serial` is typed into it: "yyyy/m/d",
 // "yyyy/m/d h:mm" or "h:mm".
 std::string TypedDateFormat(double serial);
+// Gives a General cell the number format `format`, as typing a date or a percentage does; cells
+// given the same format share one copy of it.
+void GiveFormatIfGeneral(Sheet& sheet, int row, int column, const std::string& format);
 
 // Empties the cell's value and formula, keeping its format.
 void ClearCellContents(Sheet& sheet, int row, int column);

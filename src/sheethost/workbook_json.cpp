@@ -337,8 +337,9 @@ void ReadCell(Sheet& sheet, const std::string& address, const json& entry,
     if (entry.contains("value")) {
         cell.value = ReadValue(entry["value"], where);
         const bool isDate = entry["value"].is_object() && entry["value"].contains("date");
-        if (isDate && cell.style->numberFormat == "General") {
-            cell.style.Edit().numberFormat = TypedDateFormat(std::get<double>(cell.value));
+        if (isDate) {
+            GiveFormatIfGeneral(sheet, area->top, area->left,
+                                TypedDateFormat(std::get<double>(cell.value)));
         }
     }
     if (entry.contains("formula")) {

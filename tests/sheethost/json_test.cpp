@@ -43,6 +43,17 @@ std::shared_ptr<sheethost::Workbook> LoadOrFail(std::string_view text) {
     return book;
 }
 
+// Dates read into General cells give them a date format, as typing does: one copy for them all.
+TEST(JsonTest, DatesReadIntoGeneralCellsShareTheirFormat) {
+    const auto book = LoadOrFail(R"json({"sheets": [{"name": "WBS", "cells": {
+      "A1": {"date": "2024-04-01"}, "A2": {"date": "2024-04-02"}, "A3": {"date": "2024-04-03"}}}]})json");
+    ASSERT_NE(book, nullptr);
+    const sheethost::Sheet& sheet = *book->sheets[0];
+    const auto style = [&](int row) { return sheethost::FindCell(sheet, row, 1)->style; };
+    EXPECT_EQ(style(1)->numberFormat, "yyyy/m/d");
+    EXPECT_TRUE(style(1).Shares(style(3)));
+}
+
 TEST(JsonTest, LoadsEveryPartOfTheDescription) {
     const auto book = LoadOrFail(kFixture);
     ASSERT_NE(book, nullptr);
