@@ -57,9 +57,12 @@ void NameNewShape(const XlObject& shape, const TaskRecord& task, std::string_vie
 
 void DeleteShapesByPrefix(std::string_view prefix) {
     // The shape collection is live: deleting while enumerating would shift the shapes not yet
-    // visited and skip some. The matches are collected first and deleted afterwards.
-    for (const XlObject& shape : ShapesNamedWith(prefix)) {
+    // visited and skip some. The matches are collected first and deleted afterwards, each let go
+    // as soon as it is deleted: the host frees a shape with its last reference, and freeing it
+    // while it is still in the processor's cache spares a second walk over thousands of shapes.
+    for (XlObject& shape : ShapesNamedWith(prefix)) {
         shape.Delete();
+        shape = XlObject();
     }
 }
 

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cstdio>
 #include <new>
-#include <unordered_set>
 
 #include "com/text.h"
 #include "values/values.h"
@@ -17,7 +16,11 @@ const IID kHostObjectIid = {
 constexpr const char* kExceptionSource = "Vantora Sheet";
 
 struct Diagnostics {
-    std::unordered_set<const CountedObject*> live;
+    // The live objects, newest first, linked through the objects themselves: a chart's redraw
+    // makes and frees an object for every shape it visits, and a set needed a node and a hash for
+    // each.
+    CountedObject* newestLive = nullptr;
+    long liveCount = 0;
     long calls = 0;
     std::vector<std::string>* log = nullptr;
     // Invoke calls in progress: only the outermost one was sent from outside the host.
@@ -415,16 +418,16 @@ std::string Invocation::DescribeArguments() const {
 // --- Diagnostics ----------------------------------------------------------------------------
 
 long LiveObjectCount() {
-    return static_cast<long>(State().live.size());
+    return State().liveCount;
 }
 
 std::vector<std::string> LiveObjectReport() {
     std::vector<std::string> report;
-    for (const CountedObject* object : State().live) {
+    for (const CountedObject* object = State().newestLive; object != nullptr;
+         object = object->older_) {
         report.push_back(object->Describe() + " (" + std::to_string(object->references_) +
                          " references)");
     }
-    // The live set keeps no order that holds from run to run.
     std::sort(report.begin(), report.end());
     return report;
 }
@@ -446,10 +449,21 @@ long CallsAfterClose() {
 }
 
 CountedObject::CountedObject() {
-    State().live.insert(this);
+    Diagnostics& state = State();
+    older_ = state.newestLive;
+    if (older_ != nullptr) older_->newer_ = this;
+    state.newestLive = this;
+    ++state.liveCount;
 }
 CountedObject::~CountedObject() {
-    State().live.erase(this);
+    Diagnostics& state = State();
+    if (newer_ != nullptr) {
+        newer_->older_ = older_;
+    } else {
+        state.newestLive = older_;
+    }
+    if (older_ != nullptr) older_->newer_ = newer_;
+    --state.liveCount;
 }
 ULONG CountedObject::AddReference() {
     if (State().closed) ++State().callsAfterClose;

@@ -181,6 +181,9 @@ class CountedObject {
 
   private:
     ULONG references_ = 1;
+    // Neighbours in the list of live objects.
+    CountedObject* older_ = nullptr;
+    CountedObject* newer_ = nullptr;
     friend std::vector<std::string> LiveObjectReport();
 };
 
