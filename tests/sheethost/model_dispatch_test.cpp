@@ -3,6 +3,8 @@
 // call counter and member log.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "support/host_calls.h"
 
 namespace {
@@ -197,6 +199,35 @@ TEST_F(DispatchTest, ObjectsOutliveADeletedModelAndReportWhatIsStillHeld) {
               report.end());
     book->sheets.erase(book->sheets.begin());
     EXPECT_EQ(Put(cell.get(), OLESTR(".Value=%d"), 5), S_OK);
+}
+
+TEST_F(DispatchTest, ReportsExactlyTheObjectsStillHeldWhateverOrderTheOthersWentIn) {
+    const long before = sheethost::LiveObjectCount();
+    const auto range = [&](int row) {
+        return Object::Adopt(sheethost::NewRangeObject(book, book->sheets.front(),
+                                                       {sheethost::Area{row, 2, row, 2}}));
+    };
+    Object oldest = range(2);
+    Object middle = range(3);
+    Object newest = range(4);
+    Object last = range(5);
+    middle = Object();
+    last = Object();
+    EXPECT_EQ(sheethost::LiveObjectCount(), before + 2);
+    const auto held = [](const char* description) {
+        const auto report = sheethost::LiveObjectReport();
+        return std::count(report.begin(), report.end(), description);
+    };
+    EXPECT_EQ(held("Range WBS!$B$2 (1 references)"), 1);
+    EXPECT_EQ(held("Range WBS!$B$3 (1 references)"), 0);
+    EXPECT_EQ(held("Range WBS!$B$4 (1 references)"), 1);
+    EXPECT_EQ(held("Range WBS!$B$5 (1 references)"), 0);
+    oldest = Object();
+    Object another = range(6);  // linked in after the oldest left
+    newest = Object();
+    EXPECT_EQ(sheethost::LiveObjectCount(), before + 1);
+    EXPECT_EQ(held("Range WBS!$B$6 (1 references)"), 1);
+    EXPECT_EQ(held("Range WBS!$B$4 (1 references)"), 0);
 }
 
 }  // namespace
