@@ -1,6 +1,7 @@
 #include "sheethost/shape_sheet.h"
 
 #include <algorithm>
+#include <limits>
 
 #include "sheethost/model.h"
 
@@ -46,6 +47,16 @@ const char* AutoShapeBaseName(int autoShapeType) {
     }
 }
 
+// One more than the largest id on the sheet; once a file has used the largest id there is, the
+// lowest free one.
+int NewShapeId(const ShapeList& shapes) {
+    const int last = shapes.LastId();
+    if (last < std::numeric_limits<int>::max()) return last + 1;
+    int id = 1;
+    while (shapes.WithId(id) != nullptr) ++id;
+    return id;
+}
+
 }  // namespace
 
 std::shared_ptr<Shape> FindShape(const Sheet& sheet, std::string_view name) {
@@ -87,7 +98,7 @@ std::string DefaultBaseName(const Shape& shape) {
 }
 
 std::shared_ptr<Shape> AddShapeToSheet(Sheet& sheet, Shape shape) {
-    shape.id = sheet.shapes.LastId() + 1;
+    shape.id = NewShapeId(sheet.shapes);
     if (shape.name.empty()) shape.name = DefaultBaseName(shape) + " " + std::to_string(shape.id);
     return sheet.shapes.push_back(std::make_shared<Shape>(std::move(shape)));
 }

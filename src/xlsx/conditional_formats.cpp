@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <climits>
 #include <map>
 #include <string>
 #include <string_view>
@@ -168,6 +169,9 @@ void ReadConditionalFormats(pugi::xml_node worksheet, const StyleSheet& styles,
 
 void WriteConditionalFormats(pugi::xml_node worksheet, StyleSheet& styles,
                              const sheethost::Sheet& sheet) {
+    // The host's rules come after the rules kept. A kept priority may already be the largest a
+    // file can hold; the rules after it then share it.
+    const auto after = [](int priority) { return priority < INT_MAX ? priority + 1 : priority; };
     int priority = 1;
     for (pugi::xml_node element : Children(worksheet, "conditionalFormatting")) {
         if (Modelled(element, styles)) {
@@ -175,7 +179,7 @@ void WriteConditionalFormats(pugi::xml_node worksheet, StyleSheet& styles,
             continue;
         }
         for (pugi::xml_node rule : Children(element, "cfRule")) {
-            priority = std::max(priority, rule.attribute("priority").as_int() + 1);
+            priority = std::max(priority, after(rule.attribute("priority").as_int()));
         }
     }
     for (const auto& [conditions, areas] : GroupConditions(sheet)) {
@@ -187,7 +191,8 @@ void WriteConditionalFormats(pugi::xml_node worksheet, StyleSheet& styles,
             rule.append_attribute("type").set_value(value ? "cellIs" : "expression");
             rule.append_attribute("dxfId").set_value(
                 styles.DifferentialIndex({condition.fontColorIndex, condition.interiorColorIndex}));
-            rule.append_attribute("priority").set_value(priority++);
+            rule.append_attribute("priority").set_value(priority);
+            priority = after(priority);
             if (value) {
                 rule.append_attribute("operator")
                     .set_value(

@@ -1,6 +1,7 @@
 #include "xlsx/drawing.h"
 
 #include <algorithm>
+#include <climits>
 #include <map>
 #include <memory>
 #include <optional>
@@ -219,12 +220,27 @@ class DrawingWriter {
 
     // New ids for the host's shapes whose ids an object the host does not model already has:
     // the host numbers its shapes without seeing those objects, and ids must stay unique.
+    // They count on above every id in use; a file may use the largest id there is, and then
+    // they take the lowest free ones.
     std::map<int, int> IdsClearOf(const std::set<int>& keptIds) const {
-        int next = keptIds.empty() ? 1 : *keptIds.rbegin() + 1;
-        for (const auto& shape : sheet_.shapes) next = std::max(next, shape->id + 1);
+        long long next = keptIds.empty() ? 1 : *keptIds.rbegin() + 1LL;
+        for (const auto& shape : sheet_.shapes) next = std::max(next, shape->id + 1LL);
+        std::set<int> taken;  // gathered once the ids above run out
+        int low = 0;
+        const auto freeId = [&]() -> int {
+            if (next <= INT_MAX) return static_cast<int>(next++);
+            if (taken.empty()) {
+                taken = keptIds;
+                for (const auto& shape : sheet_.shapes) taken.insert(shape->id);
+            }
+            do {
+                ++low;
+            } while (taken.contains(low));
+            return low;
+        };
         std::map<int, int> newIds;
         for (const auto& shape : sheet_.shapes) {
-            if (keptIds.contains(shape->id)) newIds[shape->id] = next++;
+            if (keptIds.contains(shape->id)) newIds[shape->id] = freeId();
         }
         return newIds;
     }

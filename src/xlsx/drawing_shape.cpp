@@ -1,6 +1,8 @@
 #include "xlsx/drawing_shape.h"
 
+#include <algorithm>
 #include <array>
+#include <climits>
 #include <cmath>
 #include <string>
 #include <string_view>
@@ -244,8 +246,11 @@ void WritePath(pugi::xml_node geometry, const Shape& shape, const DrawingPrefixe
 
 std::optional<sheethost::ConnectorEnd> ReadConnection(pugi::xml_node node) {
     if (!node) return std::nullopt;
-    return sheethost::ConnectorEnd{node.attribute("id").as_int(),
-                                   node.attribute("idx").as_int() + 1};
+    // Sites count from 1 here and from 0 in the file, whose number may be the largest there is:
+    // a number past every site stays past them.
+    const long long index =
+        std::clamp<long long>(node.attribute("idx").as_llong(), INT_MIN, INT_MAX - 1LL);
+    return sheethost::ConnectorEnd{node.attribute("id").as_int(), static_cast<int>(index + 1)};
 }
 
 pugi::xml_node NonVisualProperties(pugi::xml_node object) {
@@ -326,7 +331,7 @@ void WriteConnections(pugi::xml_node object, const Shape& shape, const DrawingPr
         if (!*end) continue;
         pugi::xml_node node = AddElement(properties, prefixes.a, name);
         SetAttribute(node, "id", static_cast<std::int64_t>((*end)->shapeId));
-        SetAttribute(node, "idx", static_cast<std::int64_t>((*end)->site - 1));
+        SetAttribute(node, "idx", static_cast<std::int64_t>((*end)->site) - 1);
     }
 }
 

@@ -1,5 +1,6 @@
 #include "xlsx/sheet_read.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <map>
@@ -67,7 +68,9 @@ class WorksheetReader {
     void ReadRows(const pugi::xml_node& sheetData) {
         int row = 0;
         for (const pugi::xml_node& rowNode : Children(sheetData, "row")) {
-            row = rowNode.attribute("r").as_int(row + 1);
+            // A row without a number follows the one before; past the last row, rows stay past
+            // it (the number before may be the largest a file can write).
+            row = rowNode.attribute("r").as_int(std::min(row, sheethost::kMaxRow) + 1);
             if (row < 1 || row > sheethost::kMaxRow) continue;
             ReadRowInfo(rowNode, row);
             const std::vector<pugi::xml_node> cellNodes = Children(rowNode, "c");

@@ -2,11 +2,13 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <climits>
 #include <cmath>
 #include <set>
 
 #include "package_files.h"
 #include "sheethost/model.h"
+#include "sheethost/shape_sheet.h"
 #include "sheethost/sheethost.h"
 #include "xlsx/xlsx.h"
 
@@ -471,6 +473,54 @@ TEST_F(DrawingTest, ChangedShapesKeepWhatTheHostDoesNotModelAndPicturesStay) {
     // The connector stays glued to the marker under the marker's new id.
     EXPECT_EQ(shapes[2]->beginConnection, (sheethost::ConnectorEnd{shapes[0]->id, 4}));
     EXPECT_EQ(shapes[2]->endConnection, (sheethost::ConnectorEnd{shapes[1]->id, 2}));
+}
+
+TEST_F(DrawingTest, IdsAndSitesAtTheIntegerLimitNeitherWrapNorClash) {
+    // The template shape and the picture both take the largest id there is, and a connector is
+    // glued to the template at the largest site number and the smallest.
+    Parts parts = WorkbookWithPicture();
+    std::string& drawing = std::find_if(parts.begin(), parts.end(), [](const auto& part) {
+                               return part.first == "xl/drawings/drawing1.xml";
+                           })->second;
+    for (const char* id : {R"(id="2" name="GanntBarByRes1")", R"(id="3" name="Logo")"}) {
+        const std::string from(id);
+        drawing.replace(drawing.find(from), 6, R"(id="2147483647")");
+    }
+    drawing.insert(
+        drawing.find("</xdr:wsDr>"),
+        R"(<xdr:twoCellAnchor><xdr:from><xdr:col>0</xdr:col><xdr:colOff>0</xdr:colOff>)"
+        R"(<xdr:row>0</xdr:row><xdr:rowOff>0</xdr:rowOff></xdr:from><xdr:to><xdr:col>1</xdr:col>)"
+        R"(<xdr:colOff>0</xdr:colOff><xdr:row>1</xdr:row><xdr:rowOff>0</xdr:rowOff></xdr:to>)"
+        R"(<xdr:cxnSp macro=""><xdr:nvCxnSpPr><xdr:cNvPr id="5" name="TaskDepand1"/><xdr:cNvCxnSpPr>)"
+        R"(<a:stCxn id="2147483647" idx="2147483647"/><a:endCxn id="2147483647" idx="-2147483648"/>)"
+        R"(</xdr:cNvCxnSpPr></xdr:nvCxnSpPr><xdr:spPr><a:xfrm><a:off x="0" y="0"/>)"
+        R"(<a:ext cx="609600" cy="190500"/></a:xfrm><a:prstGeom prst="straightConnector1">)"
+        R"(<a:avLst/></a:prstGeom></xdr:spPr></xdr:cxnSp><xdr:clientData/></xdr:twoCellAnchor>)");
+    WriteZip(folder / "made.xlsx", parts);
+    const auto book = LoadXlsx(folder / "made.xlsx");
+    sheethost::Sheet& sheet = *book->sheets[0];
+    ASSERT_EQ(sheet.shapes.size(), 2u);
+    const auto& connector = sheet.shapes[1];
+    EXPECT_EQ(connector->beginConnection, (sheethost::ConnectorEnd{INT_MAX, INT_MAX}));
+    sheet.shapes.Glue(*connector, &Shape::endConnection, sheethost::ConnectorEnd{INT_MAX, INT_MIN});
+
+    // A new shape takes the lowest free id; the save moves the template off the picture's id.
+    Shape marker;
+    marker.name = "TaskStatus5";
+    EXPECT_EQ(sheethost::AddShapeToSheet(sheet, marker)->id, 1);
+    SaveXlsx(*book, folder / "made.xlsx", folder / "saved.xlsx");
+    const auto reloaded = LoadXlsx(folder / "saved.xlsx");
+    const auto& shapes = reloaded->sheets[0]->shapes;
+    ASSERT_EQ(shapes.size(), 3u);
+    std::set<int> ids{INT_MAX};  // the picture's
+    for (const auto& shape : shapes) {
+        EXPECT_GT(shape->id, 0) << shape->name;
+        EXPECT_TRUE(ids.insert(shape->id).second) << shape->name;
+    }
+    EXPECT_EQ(shapes[1]->beginConnection, (sheethost::ConnectorEnd{shapes[0]->id, INT_MAX}));
+    ASSERT_TRUE(shapes[1]->endConnection);
+    EXPECT_EQ(shapes[1]->endConnection->shapeId, shapes[0]->id);
+    EXPECT_LE(shapes[1]->endConnection->site, 0);  // still at no site of the shape
 }
 
 }  // namespace

@@ -82,6 +82,35 @@ TEST(HostilePackage, AnchorsAtTheIntegerLimitStayOnTheSheet) {
     EXPECT_EQ(PointsToEmu(std::nan("")), 0);
 }
 
+TEST(HostilePackage, SheetNumbersAtTheIntegerLimitNeitherWrapNorClash) {
+    TempFolder folder;
+    // A row numbered with the largest int, then one that follows it without a number; a rule the
+    // host does not model at the largest priority.
+    Parts parts = Changed("xl/worksheets/sheet1.xml", R"(<row r="7" s="3" customFormat="1"/>)",
+                          R"(<row r="2147483647"/><row><c><v>99</v></c></row>)");
+    for (auto& [name, bytes] : parts) {
+        if (name != "xl/worksheets/sheet1.xml") continue;
+        bytes.insert(bytes.find("</sheetData>") + 12,
+                     R"(<conditionalFormatting sqref="A1"><cfRule type="dataBar" priority=")"
+                     R"(2147483647"><dataBar><cfvo type="min"/><cfvo type="max"/>)"
+                     R"(<color rgb="FF638EC6"/></dataBar></cfRule></conditionalFormatting>)");
+    }
+    WriteZip(folder / "plan.xlsm", parts);
+    const auto book = LoadXlsx(folder / "plan.xlsm");
+    for (const auto& [at, cell] : book->sheets[0]->cells) EXPECT_LT(at.row, 7);
+
+    // A rule of the host's is written after the kept one.
+    sheethost::CellAt(*book->sheets[0], 2, 2).style.Edit().conditions = {
+        {sheethost::xl::kCellValue, sheethost::xl::kLess, "=0", "", 3, std::nullopt}};
+    SaveXlsx(*book, folder / "plan.xlsm", folder / "saved.xlsm");
+    const std::string xml = ReadPart(folder / "saved.xlsm", "xl/worksheets/sheet1.xml");
+    const auto cellIs = xml.find(R"(type="cellIs")");
+    ASSERT_NE(cellIs, std::string::npos) << xml;
+    EXPECT_EQ(xml.substr(xml.find("priority=", cellIs), 21), R"(priority="2147483647")");
+    EXPECT_EQ(LoadXlsx(folder / "saved.xlsm")->sheets[0]->cells.size(),
+              book->sheets[0]->cells.size());
+}
+
 TEST(HostilePackage, AMissingWorksheetPartIsRefusedAndAnAbsoluteNameIsRead) {
     TempFolder folder;
     Parts parts = SampleWorkbook();
