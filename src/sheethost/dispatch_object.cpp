@@ -20,7 +20,6 @@ struct Diagnostics {
     // makes and frees an object for every shape it visits, and a set needed a node and a hash for
     // each.
     CountedObject* newestLive = nullptr;
-    long liveCount = 0;
     long calls = 0;
     std::vector<std::string>* log = nullptr;
     // Invoke calls in progress: only the outermost one was sent from outside the host.
@@ -418,7 +417,12 @@ std::string Invocation::DescribeArguments() const {
 // --- Diagnostics ----------------------------------------------------------------------------
 
 long LiveObjectCount() {
-    return State().liveCount;
+    long count = 0;
+    for (const CountedObject* object = State().newestLive; object != nullptr;
+         object = object->older_) {
+        ++count;
+    }
+    return count;
 }
 
 std::vector<std::string> LiveObjectReport() {
@@ -453,7 +457,6 @@ CountedObject::CountedObject() {
     older_ = state.newestLive;
     if (older_ != nullptr) older_->newer_ = this;
     state.newestLive = this;
-    ++state.liveCount;
 }
 CountedObject::~CountedObject() {
     Diagnostics& state = State();
@@ -463,7 +466,6 @@ CountedObject::~CountedObject() {
         state.newestLive = older_;
     }
     if (older_ != nullptr) older_->newer_ = newer_;
-    --state.liveCount;
 }
 ULONG CountedObject::AddReference() {
     if (State().closed) ++State().callsAfterClose;

@@ -184,6 +184,7 @@ class CountedObject {
     // Neighbours in the list of live objects.
     CountedObject* older_ = nullptr;
     CountedObject* newer_ = nullptr;
+    friend long LiveObjectCount();
     friend std::vector<std::string> LiveObjectReport();
 };
 
